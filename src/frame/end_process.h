@@ -1,0 +1,8 @@
+#pragma once
+
+#include "frame/exit_status.h"
+
+/// Ends the tool at once. For the few places that have no result to report through: bad
+/// identifiers in lists and table, a number that overflows. It stands alone in its source
+/// file so that a test or fuzz target can link another one in its place.
+[[noreturn]] void end_process(exit_status status);

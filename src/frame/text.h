@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string_view>
+
+/// Turns double quotes, tabs and newlines of `text` into blanks, cuts the blanks at its end,
+/// and gives its first character that is no blank. Carriage returns stay.
+char* cleanString(char* text);
+
+/// The number in `text`, or a negative result when the text is none: -1, or minus the number
+/// where a minus sign stands before it. Only the low 32 bits count. Blanks and newlines at the
+/// end are cut off in the caller's text; one of 8192 characters or more is no number. A number
+/// that 64 bits do not hold ends the process with status 1.
+int string2int(char* text, int base);
+
+/// string2int for text that must stay as it is.
+int number_of(std::string_view text, int base);
+
+/// Copies `value` into a text field of this width, cut to what fits with its terminator.
+void set_text(std::span<char> field, std::string_view value);
+
+/// A text field as what a table row can name: text_of<&record::field>(record) is the field.
+template <auto Member>
+inline constexpr auto text_of = [](auto& record) -> std::span<char> { return record.*Member; };
+
+/// Puts `value` behind the text in `field`. False, and nothing changed, when it does not fit.
+bool append_text(std::span<char> field, std::string_view value);
+
+/// Cuts the next non-empty part off `rest`; a run of separators counts as one, and those at
+/// either end for nothing. No value when no part is left.
+std::optional<std::string_view> next_part(std::string_view& rest, char separator);
+
+/// Whether `value` is empty or holds nothing but blanks.
+bool is_blank(std::string_view value);
