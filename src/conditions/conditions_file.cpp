@@ -1,0 +1,210 @@
+#include "conditions/conditions_file.h"
+
+#include <array>
+#include <cstring>
+#include <list>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "frame/end_process.h"
+#include "frame/lines.h"
+#include "frame/list.h"
+#include "frame/output.h"
+#include "frame/text.h"
+
+fc_config_file_entry** fc_config_entry_list = nullptr;
+
+namespace {
+
+std::list<fc_config_file_entry> rows;
+std::list<fc_periphery_info> triples;
+std::vector<fc_config_file_entry*> slots;
+
+// How a column is kept and echoed. One that something is decided by is never cut.
+struct column_format {
+    int echo_width;
+    const char* echo_end;
+    bool may_be_cut;
+};
+
+constexpr column_format model_format{16, " |", false};
+constexpr column_format id_format{6, " |", false};
+constexpr column_format name_format{12, " |", false};
+constexpr column_format echoed_format{12, " |", true};
+constexpr column_format wide_format{18, " |", false};
+constexpr column_format third_format{12, "", true};
+
+struct row_column {
+    std::span<char> (*field)(fc_config_file_entry&);
+    column_format format;
+    std::int32_t fc_config_file_entry::*number = nullptr;
+    const char* id_name = nullptr;
+};
+
+using entry = fc_config_file_entry;
+
+constexpr std::array row_columns{
+    row_column{text_of<&entry::vendor>, wide_format},
+    row_column{text_of<&entry::model>, model_format},
+    row_column{text_of<&entry::vendor_id_text>, id_format, &entry::vendor_id, "Vendor-Id"},
+    row_column{text_of<&entry::device_id_text>, id_format, &entry::device_id, "Device-Id"},
+    row_column{text_of<&entry::subvendor_id_text>, id_format, &entry::subvendor_id,
+               "Sub-Vendor-Id"},
+    row_column{text_of<&entry::subdevice_id_text>, id_format, &entry::subdevice_id,
+               "Sub-System-Id"},
+    row_column{text_of<&entry::firmware_dir>, name_format},
+    row_column{text_of<&entry::col7_text>, echoed_format},
+    row_column{text_of<&entry::col8_text>, echoed_format},
+    row_column{text_of<&entry::firmware_file>, name_format},
+    row_column{text_of<&entry::bios_file>, name_format},
+    row_column{text_of<&entry::col11_text>, echoed_format},
+    row_column{text_of<&entry::col12_text>, echoed_format},
+};
+
+struct triple_column {
+    std::span<char> (*field)(fc_periphery_info&);
+    column_format format;
+};
+
+constexpr std::array triple_columns{
+    triple_column{text_of<&fc_periphery_info::vendor>, name_format},
+    triple_column{text_of<&fc_periphery_info::product_list>, wide_format},
+    triple_column{text_of<&fc_periphery_info::third>, third_format},
+};
+
+// Where the reader stands: lines count every piece read, columns count from 0 on each line.
+struct position {
+    int line = 0;
+    std::size_t column = 0;
+};
+
+exit_status store_text(std::span<char> field, const column_format& format, const char* text,
+                       const position& at) {
+    if (std::strlen(text) >= field.size() && !format.may_be_cut) {
+        Print(1, "\nError line %d: column %d is longer than %d characters: %s\n", at.line,
+              static_cast<int>(at.column), static_cast<int>(field.size()) - 1, text);
+        return RET_FATAL_ERROR;
+    }
+    set_text(field, text);
+    return RET_OK;
+}
+
+void echo(const column_format& format, std::span<const char> field) {
+    Print(5, " %*s%s", format.echo_width, field.data(), format.echo_end);
+}
+
+void store_number(fc_config_file_entry& row, const row_column& column, const position& at) {
+    const char* text = column.field(row).data();
+    row.*column.number = number_of(text, 16);
+    if (row.*column.number < 0) {
+        // Not through PrintDebug: only a debug level with the screen on lets this one out.
+        if (DebugLevel > 0 && PrintDebugOnScreen != 0) {
+            std::fprintf(stderr, "\nError line %d: %s %s is not a valid hex value!\n", at.line,
+                         column.id_name, text);
+        }
+        end_process(RET_FATAL_ERROR);
+    }
+}
+
+exit_status store_row_column(fc_config_file_entry& row, const char* text, const position& at) {
+    const row_column& column = row_columns[at.column];
+    const std::span<char> field = column.field(row);
+    if (const exit_status status = store_text(field, column.format, text, at)) {
+        return status;
+    }
+    if (column.number != nullptr) {
+        store_number(row, column, at);
+    }
+    echo(column.format, field);
+    return RET_OK;
+}
+
+// `link` is where the line's next triple is to be hung; `current` the one begun last.
+exit_status store_triple_column(fc_periphery_info**& link, fc_periphery_info*& current,
+                                const char* text, const position& at) {
+    const std::size_t place = (at.column - row_columns.size()) % triple_columns.size();
+    if (place == 0) {
+        current = get_new_periphery_info_entry();
+        if (current == nullptr) {
+            Print(1, "Could not allocate memory for new fc_periphery_info.\n");
+            return RET_MEMALLOC_FAIL;
+        }
+        *link = current;
+        link = &current->next;
+    }
+    const triple_column& column = triple_columns[place];
+    const std::span<char> field = column.field(*current);
+    if (const exit_status status = store_text(field, column.format, text, at)) {
+        return status;
+    }
+    echo(column.format, field);
+    return RET_OK;
+}
+
+// What can become of a piece of the file, in the order of the tests:
+//   - it holds a '#' anywhere, or "--+--" anywhere: passed over
+//   - it holds no column, only bars and no newline behind them: passed over
+//   - anything else, an empty line too: a row, of as many columns as there are
+exit_status read_line(std::string_view line, position at) {
+    if (line.find('#') != std::string_view::npos || line.find("--+--") != std::string_view::npos) {
+        return RET_OK;
+    }
+    fc_config_file_entry* row = nullptr;
+    fc_periphery_info** link = nullptr;
+    fc_periphery_info* current = nullptr;
+    for (; const auto part = next_part(line, '|'); ++at.column) {
+        if (row == nullptr) {
+            row = get_new_config_file_entry();
+            if (row == nullptr) {
+                Print(1, "Could not allocate memory for new fc_config_file entry.\n");
+                return RET_MEMALLOC_FAIL;
+            }
+            link = &row->periphery_list;
+        }
+        char column[line_width];
+        set_text(column, *part);
+        const char* text = cleanString(column);
+        const exit_status status = at.column < row_columns.size()
+                                       ? store_row_column(*row, text, at)
+                                       : store_triple_column(link, current, text, at);
+        if (status != RET_OK) {
+            return status;
+        }
+    }
+    if (row != nullptr) {
+        Print(5, "\n");
+    }
+    return RET_OK;
+}
+
+}  // namespace
+
+fc_config_file_entry* get_new_config_file_entry() {
+    fc_config_file_entry* row = new_record(rows);
+    return row != nullptr && append(slots, fc_config_entry_list, row) ? row : nullptr;
+}
+
+fc_periphery_info* get_new_periphery_info_entry() { return new_record(triples); }
+
+exit_status Read_FC_Config_File(const char* path) {
+    const file_handle file = open_for_reading(path);
+    if (file == nullptr) {
+        Print(1, "Error: Could not open file %s\n", path);
+        return RET_FC_HBA_CONDITIONS_MISSING;
+    }
+    char line[line_width];
+    for (position at{.line = 1}; next_line(file, line); ++at.line) {
+        if (const exit_status status = read_line(line, at)) {
+            return status;
+        }
+    }
+    return RET_OK;
+}
+
+void release_conditions() {
+    rows.clear();
+    triples.clear();
+    slots.clear();
+    fc_config_entry_list = nullptr;
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+
+#include "frame/exit_status.h"
+
+/// One allowed storage vendor of a row.
+struct fc_periphery_info {
+    char vendor[10];        ///< compared exactly with a target's VendorID
+    char product_list[20];  ///< comma list of product prefixes; empty accepts every product
+    char third[10];         ///< stored and echoed only
+    fc_periphery_info* next;
+};
+
+/// One row of the conditions table: one controller model.
+struct fc_config_file_entry {
+    char vendor[20];  ///< compared as a prefix of a port's Mfg
+    char model[20];   ///< compared as a prefix of a port's Model
+    char vendor_id_text[6];
+    char device_id_text[6];
+    char subvendor_id_text[6];
+    char subdevice_id_text[6];
+    std::int32_t vendor_id;  ///< the numbers of the four texts; 0 where the column is missing
+    std::int32_t device_id;
+    std::int32_t subvendor_id;
+    std::int32_t subdevice_id;
+    char firmware_dir[20];  ///< below the firmware base directory; empty: the port's Model
+    char col7_text[20];     ///< this one, 8, 11 and 12 are stored and echoed only
+    char col8_text[20];
+    char firmware_file[80];  ///< name pattern of the firmware image
+    char bios_file[80];      ///< name pattern of the BIOS image; empty: none is flashed
+    char col11_text[84];
+    char col12_text[20];
+    fc_periphery_info* periphery_list;  ///< null: no storage is allowed
+};
+
+/// The table's rows in file order, ended by a null entry; null while there is no row. Rows and
+/// what hangs on them live until the process ends.
+extern fc_config_file_entry** fc_config_entry_list;
+
+/// A new zeroed row at the end of fc_config_entry_list; null when memory ran out.
+fc_config_file_entry* get_new_config_file_entry();
+
+/// A new zeroed entry, to be hung on a row by the caller; null when memory ran out.
+fc_periphery_info* get_new_periphery_info_entry();
+
+/// Reads the table at `path` into fc_config_entry_list. Gives 0, 15 when the file cannot be
+/// opened, 54 without memory, 55 for a column that is longer than its field. A bad identifier
+/// ends the process with 55.
+exit_status Read_FC_Config_File(const char* path);
+
+/// Releases all rows, for a process that reads more than one table.
+void release_conditions();
