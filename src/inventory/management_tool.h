@@ -1,0 +1,36 @@
+#pragma once
+
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "frame/exit_status.h"
+
+/// Finds the management tool and puts its path into pHBAFlashCmdPath. Gives 0, or 21 when it
+/// is at none of its places.
+exit_status Get_HbaCmd_Path();
+
+/// Puts the values in place of the "%s" of `format`, in their order.
+std::string fill_in(std::string_view format, std::initializer_list<std::string_view> values);
+
+/// A command line of the management tool, the very text for the shell.
+struct tool_command {
+    std::string line;
+    bool unsafe;  ///< a value in it would make the shell do more than pass it on
+};
+
+/// Composes a command line. The format may hold shell syntax, the values may not.
+tool_command compose_command(std::string_view format,
+                             std::initializer_list<std::string_view> values);
+
+/// Whether `name`, read from a device, holds a ".." by which a path would leave its directory.
+bool leaves_directory(std::string_view name);
+
+/// Runs the command through the shell and waits for its end; under --simulate nothing is run
+/// and the status is 0. Gives the status as `system` does, not decoded, or nothing when the
+/// command was refused: it is unsafe or too long, which is said at level 1.
+std::optional<int> run_command(const tool_command& command);
+
+/// Says at level 1 that a command or file name is too long to be used.
+void print_too_long(const char* text);

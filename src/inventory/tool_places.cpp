@@ -1,0 +1,7 @@
+#include "inventory/tool_places.h"
+
+const std::array<const char*, 3> tool_places{
+    "/usr/sbin/brcmocmanager/brcmhbacmd",
+    "/opt/emulex/ocmanager/bin/hbacmd",
+    "/usr/sbin/ocmanager/hbacmd",
+};
