@@ -1,0 +1,103 @@
+#include "inventory/target_mapping.h"
+
+#include <cstring>
+#include <string_view>
+
+#include "frame/list.h"
+#include "frame/output.h"
+#include "inventory/output_lines.h"
+#include "inventory/port_query.h"
+
+namespace {
+
+using entry = target_mapping_entry;
+
+constexpr char head_line[] = "Target Mapping for";
+constexpr int head_lines = 4;  // a colon in them opens no entry
+
+constexpr key_row<entry> mapping_keys[] = {
+    {head_line},
+    {"FCP LUN", text_of<&entry::FCPLun>},
+    {"SCSI OS Lun", text_of<&entry::SCSIOSLun>},
+    {"Lun Device Name", text_of<&entry::LunDeviceName>},
+    {"Vendor ID", text_of<&entry::VendorID>},
+    {"Product ID", text_of<&entry::ProductID>},
+    {"Product Version", text_of<&entry::ProductVersion>},
+    {"Type", text_of<&entry::Type>},
+    {"SCSI Capacity", text_of<&entry::SCSICapacity>},
+    {"Block Size", text_of<&entry::BlockSize>},
+};
+
+constexpr port_query mapping_query{
+    .word = "targetmapping",
+    .file_name = "target_mapping.out",
+    .command_format = "\n\t\t\t%s %s %s > %s/%s_%s_%s\n",
+    .success = "\n\t\t\tSuccess",
+    .failure = "\n\n\t\t\tFail",
+    .indent = "\t\t\t",
+};
+
+// What can become of a line, in the order of the tests; all LUNs of a port write into one entry:
+//   - behind the head, the first line with a colon: an entry for the port; then as any line
+//   - it begins with no key: passed over
+//   - the head line: echoed
+//   - a key while the port has no entry: passed over
+//   - a key: the value, where the line has a colon, fills the field; then the field is echoed
+exit_status read_line(char* line, int number, hba_info& port) {
+    if (number > head_lines && port.target_mapping == nullptr &&
+        std::strchr(line, ':') != nullptr) {
+        port.target_mapping = get_new_target_mapping_entry();
+        if (port.target_mapping == nullptr) {
+            print_out_of_memory();
+            return RET_MEMALLOC_FAIL;
+        }
+    }
+    const key_row<entry>* row = find_key(mapping_keys, line);
+    if (row == nullptr) {
+        return RET_OK;
+    }
+    if (row->field == nullptr) {
+        Print(6, "\n\t\t\t%s %s\n", head_line, port.PortWWN);
+        return RET_OK;
+    }
+    if (port.target_mapping == nullptr) {
+        return RET_OK;
+    }
+    store_value(*row, *port.target_mapping, line);
+    Print(6, "\t\t\t%s\n", row->field(*port.target_mapping).data());
+    return RET_OK;
+}
+
+exit_status collect_mapping_of(hba_info& port) {
+    file_handle file;
+    const exit_status status =
+        ask_about_port(mapping_query, port, port.PortWWN, port.PortWWN, file);
+    if (file == nullptr) {
+        return status;
+    }
+    return read_target_mapping(file, port);
+}
+
+}  // namespace
+
+exit_status read_target_mapping(const file_handle& file, hba_info& port) {
+    char line[line_width];
+    for (int number = 1; next_line(file, line); ++number) {
+        if (const exit_status status = read_line(line, number, port)) {
+            return status;
+        }
+    }
+    return RET_OK;
+}
+
+exit_status collect_target_mappings() {
+    for (hba_info* port : entries(p_hba_info_list)) {
+        if (!std::string_view(port->PortType).starts_with("FCoE") && !is_of_type(*port, "FC")) {
+            continue;
+        }
+        if (const exit_status status = collect_mapping_of(*port)) {
+            return status;
+        }
+    }
+    return RET_OK;
+}
