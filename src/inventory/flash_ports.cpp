@@ -1,0 +1,62 @@
+#include "inventory/flash_ports.h"
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "frame/list.h"
+#include "inventory/port_records.h"
+
+namespace {
+
+// The ports that may be a flash port for this digit, in list order. Only the first character
+// of function and port number counts.
+std::vector<hba_info*> possible_candidates(char digit) {
+    std::vector<hba_info*> candidates;
+    for (hba_info* port : entries(p_hba_info_list)) {
+        if (has_serial_number(*port) && port->PCIFunction[0] == digit &&
+            port->PortNumber[0] == digit) {
+            candidates.push_back(port);
+        }
+    }
+    return candidates;
+}
+
+// The write goes one step deep at most: there is no walk to the chain's end.
+void link(hba_info& port, hba_info& candidate) {
+    if (candidate.next_ctrl_port == nullptr) {
+        candidate.next_ctrl_port = &port;
+    } else {
+        candidate.next_ctrl_port->next_ctrl_port = &port;
+    }
+}
+
+// All candidates are taken: the last one stands as flash port.
+void take_candidates(hba_info& port, std::span<hba_info* const> candidates) {
+    for (hba_info* candidate : candidates) {
+        if (!std::string_view(port.SerialNo).starts_with(candidate->SerialNo)) {
+            continue;
+        }
+        port.flash_port = candidate;
+        if (std::string_view(port.PortType).starts_with("FCoE")) {
+            link(port, *candidate);
+        }
+    }
+}
+
+}  // namespace
+
+int Determine_Flash_Ports() {
+    const std::vector<hba_info*> first = possible_candidates('0');
+    const std::vector<hba_info*> second = possible_candidates('1');
+    for (hba_info* port : entries(p_hba_info_list)) {
+        if (!has_serial_number(*port)) {
+            continue;
+        }
+        take_candidates(*port, first);
+        if (port->flash_port == nullptr) {
+            take_candidates(*port, second);
+        }
+    }
+    return 0;
+}
