@@ -1,0 +1,64 @@
+#include "check/check_walk.h"
+
+#include "check/controller_check.h"
+#include "frame/list.h"
+#include "frame/matching.h"
+#include "frame/options.h"
+#include "frame/output.h"
+
+namespace {
+
+constexpr char star_ruler[] =
+    "*********+*********+*********+*********+*********+*********+*********+*********+\n"
+    "*********+*********+*********+*********+*********+*********+*********+*********+";
+
+void print_skipped_port(const hba_info& port) {
+    Print(6, "\tVendor: %s Model: %s; SN: %s port: %s function: %s\n", port.Mfg, port.Model,
+          port.SerialNo, port.PortNumber, port.PCIFunction);
+    Print(6, "\tNo serial number => SKIP\n");
+    Print(6, "%s\n", dash_ruler);
+}
+
+// A selection by two identifiers is content with two here; the flash walk asks for all four.
+void check_port(const hba_info& port, bool all_four, global_ctrl_flags& flags) {
+    int place = 0;
+    for (fc_config_file_entry*& row : entries(fc_config_entry_list)) {
+        ++place;
+        if (fits_row(port, *row, all_four)) {
+            print_fitting_row(*row, place);
+            DoSubSystemCheck(&port, &row, &flags);
+        }
+    }
+}
+
+bool check_passed(const global_ctrl_flags& flags) {
+    if (active_option_valid_subsystem != 0) {
+        return flags.InvalidCtrlSubsystemCombinationFound == 0;
+    }
+    if (active_option_ctrl_wide_identical != 0) {
+        return flags.CtrlSpecificSubsystemEquality != 0;
+    }
+    if (active_option_ctrl_vendor_wide_identical != 0) {
+        return flags.CtrlVendorSpecificSubsystemEquality != 0;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool OverallSubSystemCheck(const option_input* selection, global_ctrl_flags* flags) {
+    flags->CtrlVendorSpecificSubsystemEquality = 1;
+    Print(3, "\n\n%s\n", star_ruler);
+    for (; selection != nullptr; selection = selection->next) {
+        for (const hba_info* port : entries(p_hba_info_list)) {
+            if (!has_serial_number(*port)) {
+                print_skipped_port(*port);
+            } else if (fits_selection(*port, *selection)) {
+                flags->MatchingCtrlModelInstalled = 1;
+                check_port(*port, selects_by_four_ids(*selection), *flags);
+            }
+        }
+    }
+    Print(3, "\n%s\n\n", star_ruler);
+    return check_passed(*flags);
+}

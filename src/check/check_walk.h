@@ -1,0 +1,9 @@
+#pragma once
+
+#include "frame/run_flags.h"
+#include "frame/selection.h"
+
+/// Matches the selected controllers with ports and rows and checks the storage behind each that
+/// fits; the findings go to `flags`. Gives whether the check passed, by the first check option
+/// in force: valid storage, identity on each controller, identity across all controllers.
+bool OverallSubSystemCheck(const option_input* selection, global_ctrl_flags* flags);

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "conditions/conditions_file.h"
+#include "frame/run_flags.h"
+#include "inventory/port_records.h"
+
+/// Whether the storage attached to the port, which must have a target_mapping, is allowed by
+/// the row in this slot of fc_config_entry_list. If not,
+/// InvalidCtrlSubsystemCombinationFound is set.
+bool DoIndividualSubSystemCheck(const hba_info* port, fc_config_file_entry** row,
+                                global_ctrl_flags* flags);
+
+/// Whether at least one of the comma-joined `references` is a member of the comma list `group`.
+bool CheckModelGroupConsistency(const char* group, const char* references);
