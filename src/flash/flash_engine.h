@@ -1,0 +1,13 @@
+#pragma once
+
+#include "conditions/conditions_file.h"
+#include "frame/exit_status.h"
+#include "frame/run_flags.h"
+#include "inventory/port_records.h"
+
+/// Flashes the images of the row in this slot of fc_config_entry_list onto the controller of
+/// the port, through its flash_port (which must not be null): the firmware, then the BIOS where
+/// the row names one. Both are looked up before anything is flashed; a flash port that is done
+/// is skipped. Gives 0, 10 when a command failed or was refused, 20 when a directory or image
+/// is missing, 21 when the management tool is gone.
+exit_status FlashBladeEngine(hba_info* port, fc_config_file_entry** row, global_ctrl_flags* flags);

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstddef>
+
+#include "frame/exit_status.h"
+
+inline constexpr std::size_t image_path_width = 1024;
+
+/// Finds the first entry of `directory`, which must end in a slash, that fits `pattern`: "*."
+/// and an extension, or the beginning of a name. The order of the directory decides. Puts
+/// directory and name into `result` and gives 0; else gives 20 and leaves `result` alone.
+exit_status FindFlashImage(const char* directory, char (&result)[image_path_width],
+                           const char* pattern);
