@@ -1,0 +1,12 @@
+#include <csignal>
+#include <cstdio>
+
+#include "frame/program_run.h"
+
+int main(int argc, char** argv) {
+    // A caller that captures the output sees how far a long flash has come.
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    // A caller that ignores the end of its children would hide from us how a command ended.
+    std::signal(SIGCHLD, SIG_DFL);
+    return program_run(argc, argv);
+}
