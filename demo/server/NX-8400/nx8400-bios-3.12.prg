@@ -1,0 +1,1 @@
+NX-8400 BIOS 3.12 (sample, no real image)
