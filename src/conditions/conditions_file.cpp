@@ -188,7 +188,7 @@ fc_config_file_entry* get_new_config_file_entry() {
 fc_periphery_info* get_new_periphery_info_entry() { return new_record(triples); }
 
 exit_status Read_FC_Config_File(const char* path) {
-    const file_handle file = open_for_reading(path);
+    const input_file file = open_for_reading(path);
     if (file == nullptr) {
         Print(1, "Error: Could not open file %s\n", path);
         return RET_FC_HBA_CONDITIONS_MISSING;

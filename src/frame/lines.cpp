@@ -1,7 +1,25 @@
 #include "frame/lines.h"
 
-file_handle open_for_reading(const char* path) { return file_handle(std::fopen(path, "r")); }
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
-bool next_line(const file_handle& file, char (&line)[line_width]) {
+input_file open_for_reading(const char* path) {
+    const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) {
+        return nullptr;
+    }
+    // A pipe or device in the place of a file could be read for ever.
+    struct stat status {};
+    const bool usable =
+        fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
+    input_file file(usable ? fdopen(descriptor, "r") : nullptr);
+    if (file == nullptr) {
+        close(descriptor);
+    }
+    return file;
+}
+
+bool next_line(const input_file& file, char (&line)[line_width]) {
     return std::fgets(line, sizeof line, file.get()) != nullptr;
 }

@@ -108,7 +108,7 @@ exit_status read_line(char* line, hba_info& port, const char* identifier) {
 exit_status collect_attributes_of(hba_info& port) {
     const char* identifier = port_identifier(port);
     const bool shown_by_wwn = std::string_view(port.PortType).starts_with("FC");
-    file_handle file;
+    input_file file;
     const exit_status status = ask_about_port(
         attribute_query, port, identifier, shown_by_wwn ? port.PortWWN : port.PermanentMAC, file);
     if (file == nullptr) {
@@ -119,7 +119,7 @@ exit_status collect_attributes_of(hba_info& port) {
 
 }  // namespace
 
-exit_status read_port_attributes(const file_handle& file, hba_info& port, const char* identifier) {
+exit_status read_port_attributes(const input_file& file, hba_info& port, const char* identifier) {
     char line[line_width];
     while (next_line(file, line)) {
         if (const exit_status status = read_line(line, port, identifier)) {

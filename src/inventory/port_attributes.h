@@ -11,4 +11,4 @@ exit_status collect_port_attributes();
 
 /// Reads an output of the attribute command into the port's `attributes`, which stays null when
 /// the output has no head line. `identifier` is the port's name in the command. Gives 0 or 54.
-exit_status read_port_attributes(const file_handle& file, hba_info& port, const char* identifier);
+exit_status read_port_attributes(const input_file& file, hba_info& port, const char* identifier);

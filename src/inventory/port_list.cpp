@@ -95,7 +95,7 @@ exit_status run_listing() {
 }  // namespace
 
 exit_status read_port_list(const char* path) {
-    const file_handle file = open_for_reading(path);
+    const input_file file = open_for_reading(path);
     if (file == nullptr) {
         Print(1, "Error: Could not open file %s\n", path);
         return STATUS_OUTPUT_FILE_MISSING;

@@ -7,7 +7,7 @@
 #include "inventory/management_tool.h"
 
 exit_status ask_about_port(const port_query& query, const hba_info& port, const char* identifier,
-                           const char* shown, file_handle& file) {
+                           const char* shown, input_file& file) {
     tool_command command = compose_command(
         query.command_format, {pHBAFlashCmdPath, query.word, identifier, pHBAWorkingPath,
                                port.SerialNo, port.PCIFunction, query.file_name});

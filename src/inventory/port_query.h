@@ -21,4 +21,4 @@ struct port_query {
 /// asked about, but its output is not read), 51 when the output cannot be opened, 55 when the
 /// command was refused.
 exit_status ask_about_port(const port_query& query, const hba_info& port, const char* identifier,
-                           const char* shown, file_handle& file);
+                           const char* shown, input_file& file);

@@ -69,7 +69,7 @@ exit_status read_line(char* line, int number, hba_info& port) {
 }
 
 exit_status collect_mapping_of(hba_info& port) {
-    file_handle file;
+    input_file file;
     const exit_status status =
         ask_about_port(mapping_query, port, port.PortWWN, port.PortWWN, file);
     if (file == nullptr) {
@@ -80,7 +80,7 @@ exit_status collect_mapping_of(hba_info& port) {
 
 }  // namespace
 
-exit_status read_target_mapping(const file_handle& file, hba_info& port) {
+exit_status read_target_mapping(const input_file& file, hba_info& port) {
     char line[line_width];
     for (int number = 1; next_line(file, line); ++number) {
         if (const exit_status status = read_line(line, number, port)) {

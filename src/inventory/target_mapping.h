@@ -11,4 +11,4 @@ exit_status collect_target_mappings();
 
 /// Reads an output of the mapping command into the port's `target_mapping`, which stays null
 /// when no line behind the head has a colon. Gives 0 or 54.
-exit_status read_target_mapping(const file_handle& file, hba_info& port);
+exit_status read_target_mapping(const input_file& file, hba_info& port);
