@@ -1,0 +1,8 @@
+#!/bin/sh
+# Installs what is missing, builds and runs all tests.
+set -eu
+cd "$(dirname -- "$0")"
+./setup.sh test
+cmake -S . -B build -DCNATOOL_TESTS=REQUIRED > /dev/null
+cmake --build build -j "$(nproc)"
+ctest --test-dir build --output-on-failure -j "$(nproc)" "$@"

@@ -1,0 +1,201 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "frame/command_line.h"
+#include "frame/options.h"
+#include "frame/output.h"
+#include "frame/paths.h"
+#include "frame/selection.h"
+#include "frame/text.h"
+#include "support/support.h"
+
+namespace {
+
+using std::string;
+
+// --- output and text ----------------------------------------------------------------------
+
+TEST(Output, SwitchesDecideWhereAMessageGoes) {
+    struct {
+        int debug, verbose, screen, level;
+        bool stream_given;
+        int result;
+        const char *on_stdout, *on_stderr;
+    } const cases[] = {
+        {0, 1, 1, 1, false, 1, "text", ""}, {0, 1, 1, 2, false, 0, "", ""},
+        {0, 0, 1, 1, false, 0, "", ""},     {6, 6, 0, 1, false, 0, "", ""},
+        {3, 0, 1, 3, false, 1, "", "text"}, {3, 0, 1, 4, false, 0, "", ""},
+        {0, 2, 1, 2, true, 1, "text", ""},  {2, 0, 0, 2, true, 1, "", "text"},
+    };
+    for (const auto& c : cases) {
+        DebugLevel = c.debug;
+        VerboseLevel = c.verbose;
+        PrintDebugOnScreen = c.screen;
+        testing::internal::CaptureStderr();
+        int result = 0;
+        const string out = output_of(
+            [&] { result = PrintDebug(c.level, "text", c.stream_given ? stderr : nullptr); });
+        EXPECT_EQ(result, c.result);
+        EXPECT_EQ(out, c.on_stdout);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.on_stderr);
+    }
+    reset_run();
+    EXPECT_EQ(output_of([] { Print(1, "%s", string(5000, 'x').c_str()); }), string(4095, 'x'));
+}
+
+TEST(Text, NumbersAreReadWholeOrNotAtAll) {
+    struct {
+        const char* text;
+        int base, result;
+        const char* left;
+    } const cases[] = {
+        {"", 10, -1, ""},
+        {" \n \n", 16, -1, ""},
+        {"12 \n", 10, 12, "12"},
+        {"  12", 10, 12, "  12"},
+        {"12\r", 10, -1, "12\r"},
+        {"12\t", 10, -1, "12\t"},
+        {"-12", 10, -12, "-12"},
+        {"-", 16, 0, "-"},
+        {"-xyz", 16, -1, "-xyz"},
+        {"+7", 10, 7, "+7"},
+        {"19A2", 10, -1, "19A2"},
+        {"19A2", 16, 0x19a2, "19A2"},
+        {"0x19A2", 16, 0x19a2, "0x19A2"},
+        {"7FFFFFFF", 16, 0x7fffffff, "7FFFFFFF"},
+        {"80000000", 16, -0x7fffffff - 1, "80000000"},
+        {"-80000000", 16, -0x7fffffff - 1, "-80000000"},
+        {"100000000", 16, 0, "100000000"},
+    };
+    for (const auto& c : cases) {
+        char text[64];
+        set_text(text, c.text);
+        EXPECT_EQ(string2int(text, c.base), c.result) << c.text;
+        EXPECT_STREQ(text, c.left);
+    }
+    EXPECT_EQ(number_of(string(8191, '0'), 16), 0);
+    EXPECT_EQ(number_of(string(8192, '0'), 16), -1);
+    EXPECT_EQ(status_of([] {
+                  number_of("10000000000000000", 16);
+                  return RET_OK;
+              }),
+              RET_NOT_CTRL_WIDE_IDENTICAL);
+}
+
+TEST(Text, ValuesAreTrimmed) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"\"XR 2000\"\n", "XR 2000"},
+        {"a\"b\tc", "a b c"},
+        {"  \t \n", ""},
+        {"", ""},
+        {" x\r\n", "x\r"},
+    };
+    for (const auto& [text, value] : cases) {
+        char buffer[32];
+        set_text(buffer, text);
+        EXPECT_STREQ(cleanString(buffer), value);
+    }
+}
+
+// --- selection lists ----------------------------------------------------------------------
+
+string chain_text(const option_input* record) {
+    string text;
+    for (; record != nullptr; record = record->next) {
+        char line[128];
+        std::snprintf(line, sizeof line, "%x:%x:%x:%x%s%s|", record->vendor_id, record->device_id,
+                      record->subvendor_id, record->subdevice_id, record->vendor_name,
+                      record->model);
+        text += line;
+    }
+    return text;
+}
+
+// The chain and the status that a command line of list options leads to.
+TEST(Selection, ListsFillTheChainPositionByPosition) {
+    struct {
+        std::vector<const char*> words;
+        const char* chain;
+        int status;  // -1: the run goes on
+    } const cases[] = {
+        {{"-vid", "19A2,10DF", "-dev", "710,714"}, "19a2:710:0:0|10df:714:0:0|", -1},
+        {{"-vid", "19A2,10DF", "-dev", "710"}, "19a2:710:0:0|10df:0:0:0|", -1},
+        {{"-vid", "1,2", "-vid", "3"}, "3:0:0:0|2:0:0:0|", -1},
+        {{"-vid", ",,1,,2,", "-dev", "3"}, "1:3:0:0|2:0:0:0|", -1},
+        {{"-vid", ",,,"}, "", -1},
+        {{"-vid", "0x19A2 ,2"}, "19a2:0:0:0|2:0:0:0|", -1},
+        {{"-vn", "Acme Corp, Other", "-mod", "XR"}, "0:0:0:0Acme CorpXR|0:0:0:0 Other|", -1},
+        {{"-vn", "A name longer than its text field"}, "0:0:0:0A name longer than |", -1},
+        {{"-vid", "1,-2"}, nullptr, RET_FATAL_ERROR},
+        {{"-vid", "1,zz"}, nullptr, RET_FATAL_ERROR},
+        {{"-vid", "10000000000000000"}, nullptr, RET_NOT_CTRL_WIDE_IDENTICAL},
+        {{"-vid", "00000000000000001"}, "1:0:0:0|", -1},
+        {{"-pci-id", "19A2:0710,19A2:0714:1:2"}, "19a2:710:0:0|19a2:714:1:2|", -1},
+        {{"-pci-id", "1:2:3:4,5:6", "-pci-id", "7:8"}, "7:8:3:4|5:6:0:0|", -1},
+        {{"-pci-id", ",1:2"}, "0:0:0:0|", -1},
+        {{"-pci-id", "1:2,,3:4"}, "1:2:0:0|", -1},
+        {{"-pci-id", "1:2,"}, "1:2:0:0|", -1},
+        {{"-pci-id", "1::2,::,3:4"}, "1:2:0:0|0:0:0:0|3:4:0:0|", -1},
+        {{"-pci-id", "1"}, nullptr, RET_BAD_CALL},
+        {{"-pci-id", "1:2:3"}, nullptr, RET_BAD_CALL},
+        {{"-pci-id", "1:2:3:4:5"}, nullptr, RET_FATAL_ERROR},
+        {{"-pci-id", "1:g"}, nullptr, RET_FATAL_ERROR},
+        {{"-pci-id", "1:2", "-vid", "3"}, "3:0:0:0|", -1},
+        {{"-vid", "3", "-pci-id", "1:2"}, "1:2:0:0|", -1},
+    };
+    for (const auto& c : cases) {
+        reset_run();
+        std::vector<string> words{"./cnatool"};
+        words.insert(words.end(), c.words.begin(), c.words.end());
+        std::vector<char*> argv;
+        for (string& word : words) {
+            argv.push_back(word.data());
+        }
+        int status = -1;
+        try {
+            if (const auto end = read_command_line(static_cast<int>(argv.size()), argv.data())) {
+                status = *end;
+            }
+        } catch (const ended& end) {
+            status = end.status;
+        }
+        EXPECT_EQ(status, c.status) << c.words[1];
+        if (status == -1) {
+            EXPECT_EQ(chain_text(p_option_input), c.chain) << c.words[1];
+        }
+    }
+}
+
+// --- paths --------------------------------------------------------------------------------
+
+TEST(Paths, ComeFromTheCallOrFromConpath) {
+    char current[path_width];
+    ASSERT_NE(getcwd(current, sizeof current), nullptr);
+    const string longest(path_width - 23, 'd');
+    struct {
+        string given, called_as, working;
+        bool fits;
+    } const cases[] = {
+        {"", "./cnatool", "./", true},
+        {"", "cnatool", string(current) + "/", true},
+        {"", "/cnatool", "/", true},
+        {"", "a/b/cnatool", "a/b/", true},
+        {"dir", "./cnatool", "dir/", true},
+        {"dir/", "./cnatool", "dir//", true},
+        {"", longest + "/cnatool", longest + "/", true},
+        {"", longest + "d/cnatool", "", false},
+    };
+    for (const auto& c : cases) {
+        reset_run();
+        EXPECT_TRUE(set_directory(c.given));
+        EXPECT_EQ(settle_paths(c.called_as), c.fits);
+        if (c.fits) {
+            EXPECT_EQ(pHBAWorkingPath, c.working);
+            EXPECT_EQ(pHBAFirmwarePath, c.working);
+            EXPECT_EQ(pHBAConditionsPath, c.working + "FC_HBA_Conditions.txt");
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,302 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sstream>
+
+#include "frame/lines.h"
+#include "frame/list.h"
+#include "frame/options.h"
+#include "frame/output.h"
+#include "frame/paths.h"
+#include "frame/text.h"
+#include "inventory/flash_ports.h"
+#include "inventory/management_tool.h"
+#include "inventory/port_attributes.h"
+#include "inventory/port_list.h"
+#include "inventory/port_ordering.h"
+#include "inventory/port_records.h"
+#include "inventory/target_mapping.h"
+#include "support/support.h"
+
+namespace {
+
+using std::string;
+
+string list_echo(const string& text) {
+    reset_run();
+    VerboseLevel = 6;
+    const scratch directory;
+    write_file(directory.path / "list", text);
+    return output_of([&] { EXPECT_EQ(read_port_list((directory.path / "list").c_str()), RET_OK); });
+}
+
+TEST(PortList, BlocksBecomePorts) {
+    EXPECT_EQ(list_echo("Manageable HBA List\n\nSerial No : EARLY\n"
+                        "Port WWN    :   10:00\nNode WWN : 20:00\n Mfg : no key\nSerial No : one\n"
+                        "Serial No : SN-1\nMode : Initiator\nModel :  M \"1\"\nPort Type: FCoE\n"
+                        "PCI Function SN\nHost Name :\n"
+                        "Permanent MAC : 02-00\nPort Typex :\"iSCSI\"\nPort Number:1\n\n"
+                        "Port WWN without a colon\nFlags :"),
+              "\n1)\tPortWWN:   10:00\n\tNodeWWN: 20:00\n\tone\n\tSN-1\n\tInitiator\n\tM  1\n"
+              "\tFCoE\n\t\n\n2)\tPermanentMAC: 02-00\n\tiSCSI\n\t\n\t\n");
+    ASSERT_EQ(entries(p_hba_info_list).size(), 3U);
+    const hba_info& first = *p_hba_info_list[0];
+    EXPECT_STREQ(first.PortWWN, "10:00");
+    EXPECT_STREQ(first.PermanentMAC, "");
+    EXPECT_STREQ(first.SerialNo, "SN-1");
+    EXPECT_STREQ(first.Mode, "Initiator");
+    EXPECT_STREQ(first.Model, "M  1");
+    EXPECT_STREQ(first.PCIFunction, "");
+    EXPECT_STREQ(p_hba_info_list[1]->PermanentMAC, "02-00");
+    EXPECT_STREQ(p_hba_info_list[1]->PortWWN, "");
+    EXPECT_STREQ(p_hba_info_list[1]->PortType, "iSCSI");
+    EXPECT_STREQ(p_hba_info_list[1]->PortNumber, "");
+    EXPECT_STREQ(p_hba_info_list[2]->PortWWN, "");
+
+    EXPECT_EQ(list_echo("Serial No : 1\nModel : 2\n"), "");
+    EXPECT_EQ(p_hba_info_list, nullptr);
+    EXPECT_EQ(read_port_list("no/such/file"), STATUS_OUTPUT_FILE_MISSING);
+}
+
+hba_info read_attributes(const string& text, string* echo = nullptr) {
+    const scratch directory;
+    write_file(directory.path / "out", text);
+    hba_info port{};
+    const string out = output_of([&] {
+        EXPECT_EQ(
+            read_port_attributes(open_for_reading((directory.path / "out").c_str()), port, "WWN-1"),
+            RET_OK);
+    });
+    if (echo != nullptr) {
+        *echo = out;
+    }
+    return port;
+}
+
+TEST(PortAttributes, LinesBehindTheHeadFillTheEntry) {
+    reset_run();
+    VerboseLevel = 6;
+    string echo;
+    hba_info port = read_attributes(
+        "Device ID : 1111\nHBA Attributes for x\nDevice ID\nModel Desc : long\nModel : M1\n"
+        "Vendor Spec ID : 0x19A2\nDevice ID : 0710\nSub Vendor ID : oops\nSub Device ID :\n",
+        &echo);
+    EXPECT_EQ(
+        echo,
+        "\n\t\tHBA Attributes for WWN-1\n\n\t\t\n\t\tM1\n\t\t0x19\n\t\t0710\n\t\toops\n\t\t\n");
+    ASSERT_NE(port.attributes, nullptr);
+    EXPECT_STREQ(port.attributes->ModelDesc, "long");
+    EXPECT_EQ(port.attributes->vendor_id, 0x19a2);  // of the whole value, not of its cut text
+    EXPECT_EQ(port.attributes->device_id, 0x710);
+    EXPECT_EQ(port.attributes->subvendor_id, -1);
+    EXPECT_EQ(port.attributes->subdevice_id, -1);
+
+    port = read_attributes("HBA Attributes for a\nDevice ID : 1\nHBA Attributes for b\n");
+    EXPECT_EQ(port.attributes->device_id, 0);
+
+    VerboseLevel = 1;
+    EXPECT_EQ(read_attributes("Device ID : 1\n", &echo).attributes, nullptr);
+    EXPECT_EQ(echo, "\t\tNo attributes => SKIP!\n");
+}
+
+TEST(TargetMapping, TheLastUnitStands) {
+    reset_run();
+    VerboseLevel = 6;
+    const string head = "Target Mapping for x:\n\nVendor ID : EARLY\n\n";
+    struct {
+        string text;
+        const char *vendor, *product;  // vendor null: no entry
+    } const cases[] = {
+        {head, nullptr, nullptr},
+        {head + "no colon\nVendor ID LATE\n", nullptr, nullptr},
+        {head + "Some : thing\n", "", ""},
+        {head + "Target Mapping for y: \n", "", ""},
+        {head + "Vendor ID : V1\nProduct ID : P1\n\nVendor ID : V2\n", "V2", "P1"},
+        {head + "Vendor ID : V1\nVendor ID :\n", "", ""},
+        {"", nullptr, nullptr},
+        {string(4 * 1023, ' ') + "\nVendor ID : V1\n", "V1", ""},  // pieces count as lines
+    };
+    for (const auto& c : cases) {
+        const scratch directory;
+        write_file(directory.path / "out", c.text);
+        hba_info port{};
+        output_of([&] {
+            EXPECT_EQ(read_target_mapping(open_for_reading((directory.path / "out").c_str()), port),
+                      RET_OK);
+        });
+        ASSERT_EQ(port.target_mapping == nullptr, c.vendor == nullptr) << c.text;
+        if (c.vendor != nullptr) {
+            EXPECT_STREQ(port.target_mapping->VendorID, c.vendor) << c.text;
+            EXPECT_STREQ(port.target_mapping->ProductID, c.product) << c.text;
+        }
+    }
+}
+
+// --- order and flash ports ----------------------------------------------------------------
+
+// Ports "TYPE SERIAL FUNCTION[/NUMBER]", separated by commas.
+void make_ports(const string& text) {
+    reset_run();
+    std::istringstream list(text);
+    for (string word; std::getline(list >> std::ws, word, ',');) {
+        hba_info& port = *get_new_hba_info_entry();
+        std::istringstream parts(word);
+        string type, serial, place;
+        parts >> type >> serial >> place;
+        set_text(port.PortType, type);
+        set_text(port.SerialNo, serial == "-" ? "" : serial);
+        set_text(port.PCIFunction, place.substr(0, place.find('/')));
+        set_text(port.PortNumber, place.substr(place.find('/') + 1));
+    }
+}
+
+string place_of(const hba_info* port) {
+    return port == nullptr ? "none" : string(port->PCIFunction) + "/" + port->PortNumber;
+}
+
+TEST(PortOrdering, PortsComeTogetherByController) {
+    const std::pair<string, string> cases[] = {
+        {"FCoE A 0, FCoE B 0, FCoE C 0, FCoE A 1", "FCoE A 0, FCoE A 1, FCoE C 0, FCoE B 0"},
+        {"iSCSI X 0, iSCSI X 1, FCoE Y 0, FCoE Y 1, iSCSI Z 0",
+         "FCoE Y 0, FCoE Y 1, iSCSI X 0, iSCSI X 1, iSCSI Z 0"},
+        {"iSCSI X 0, iSCSI Y 0, iSCSI Z 0, FCoE W 0", "FCoE W 0, iSCSI Y 0, iSCSI Z 0, iSCSI X 0"},
+        {"iSCSI X 0, FCoE Y 0, FCoE Z 0, iSCSI X 1, FCoE Y 1, FCoE Z 1",
+         "FCoE Z 0, FCoE Z 1, FCoE Y 0, FCoE Y 1, iSCSI X 0, iSCSI X 1"},
+        {"iSCSI Y 0, iSCSI X 0, FCoE X 1", "iSCSI X 0, FCoE X 1, iSCSI Y 0"},
+        {"FC F 0, FCoE A 1, FC F 1, FCX B 0, FCoE A 0", "FCoE A 0, FCoE A 1, FCX B 0"},
+        {"FC F 0, FC F 1", ""},
+        {"FCoE A 10, FCoE A 9, FCoE A x, FCoE A -1", "FCoE A -1, FCoE A x, FCoE A 9, FCoE A 10"},
+        {"NIC B 1, NIC A 0, NIC B 0", "NIC B 0, NIC B 1, NIC A 0"},
+        {"FCoE ABC 1, FCoE AB 0", "FCoE AB 0, FCoE ABC 1"},
+        {"FCoE AB 1, FCoE ABC 0", "FCoE AB 1, FCoE ABC 0"},
+        {"FCoE A 1, FCoE - 0", "FCoE - 0, FCoE A 1"},
+    };
+    for (const auto& [input, result] : cases) {
+        make_ports(input);
+        EXPECT_EQ(Classify_Ctrl_List(), 0);
+        string text;
+        for (const hba_info* port : entries(p_hba_info_list)) {
+            text += (text.empty() ? "" : ", ") + string(port->PortType) + " " +
+                    (port->SerialNo[0] == '\0' ? "-" : port->SerialNo) + " " + port->PCIFunction;
+        }
+        EXPECT_EQ(text, result) << input;
+    }
+}
+
+TEST(FlashPorts, CandidatesAndChains) {
+    struct {
+        string ports, flash_port, chain;  // of all of them; behind the flash port, "=" for itself
+    } const cases[] = {
+        {"iSCSI A 0/0, iSCSI A 1/1, FCoE A 2/0, FCoE A 3/1", "0/0", " 2/0 3/1"},
+        {"iSCSI A 0/0, FCoE A 1/1", "0/0", " 1/1"},
+        {"iSCSI A 0/0, FCoE A 1/1, FCoE A 2/2, FCoE A 3/3", "0/0", " 1/1 3/3"},
+        {"FCoE A 0/0, FCoE A 1/1", "0/0", " 1/1"},
+        {"FCoE A 0/0, FCoE A 1/1, FCoE A 2/2", "0/0", " 1/1 2/2"},
+        {"FCoE A 0/0, FCoE A 1/1, FCoE A 2/2, FCoE A 3/3", "0/0", " 1/1 3/3"},
+        {"FCoE A 0/0", "0/0", " ="},
+        {"FCoE A 0/0, iSCSI A 1/1", "0/0", " ="},
+        {"iSCSI A 0/0, iSCSI A 1/1", "0/0", ""},
+        {"FCoE A 1/1, FCoE A 2/2", "1/1", " 2/2"},
+        {"FCoE A 1/1", "1/1", " ="},
+        {"FCoE A 1/0", "none", ""},
+        {"FCoE A 01/02, FCoE A 10/1", "01/02", " 10/1"},
+        {"FCoE n/a 0/0", "none", ""},
+        {"iSCSI AB 0/0, FCoE ABC 1/1", "0/0", " 1/1"},
+    };
+    for (const auto& c : cases) {
+        make_ports(c.ports);
+        EXPECT_EQ(Determine_Flash_Ports(), 0);
+        const hba_info* flash_port = p_hba_info_list[0]->flash_port;
+        for (const hba_info* port : entries(p_hba_info_list)) {
+            EXPECT_EQ(place_of(port->flash_port), c.flash_port) << c.ports;
+        }
+        string chain;
+        for (const hba_info* member = flash_port; flash_port != nullptr;) {
+            member = member->next_ctrl_port;
+            if (member == nullptr || member == flash_port) {
+                chain += member == nullptr ? "" : " =";
+                break;
+            }
+            chain.append(" ").append(place_of(member));
+        }
+        EXPECT_EQ(chain, c.chain) << c.ports;
+    }
+    make_ports("FCoE AB 1/1, iSCSI ABC 0/0");
+    Determine_Flash_Ports();
+    EXPECT_EQ(p_hba_info_list[0]->flash_port, p_hba_info_list[0]);
+    EXPECT_EQ(p_hba_info_list[1]->flash_port, p_hba_info_list[1]);
+}
+
+// --- hostile values -----------------------------------------------------------------------
+
+// A long value reaches no neighbour: each key in turn, all others short and before and behind.
+TEST(LongValues, StayInTheirField) {
+    const char* const keys[] = {
+        "Node WWN",     "Fabric Name", "Current MAC", "Flags",   "Host Name",
+        "Mfg",          "Serial No",   "Port Number", "Mode",    "PCI Bus Number",
+        "PCI Function", "Port Type",   "Model",       "Port WWN"};
+    const string lengthy(900, 'x');
+    for (const string key : keys) {
+        string block = "Port WWN : v\n";
+        for (const string other : keys) {
+            block += other == "Port WWN" ? "" : other + " : v\n";
+        }
+        list_echo(key == "Port WWN" ? "Port WWN : " + lengthy + "\n" + block.substr(13)
+                                    : block + key + " : " + lengthy + "\n");
+        const hba_info& port = *p_hba_info_list[0];
+        const std::map<string, std::pair<const char*, std::size_t>> fields{
+            {"Port WWN", {port.PortWWN, 24}},
+            {"Node WWN", {port.NodeWWN, 24}},
+            {"Fabric Name", {port.FabricName, 24}},
+            {"Current MAC", {port.CurrentMAC, 18}},
+            {"Flags", {port.Flags, 10}},
+            {"Host Name", {port.HostName, 64}},
+            {"Mfg", {port.Mfg, 64}},
+            {"Serial No", {port.SerialNo, 24}},
+            {"Port Number", {port.PortNumber, 6}},
+            {"Mode", {port.Mode, 16}},
+            {"PCI Bus Number", {port.PCIBusNumber, 4}},
+            {"PCI Function", {port.PCIFunction, 4}},
+            {"Port Type", {port.PortType, 16}},
+            {"Model", {port.Model, 64}}};
+        for (const auto& [name, field] : fields) {
+            EXPECT_EQ(field.first, name == key ? lengthy.substr(0, field.second - 1) : "v") << key;
+        }
+        EXPECT_STREQ(port.PermanentMAC, "");
+        EXPECT_EQ(port.port_index, 0);
+        EXPECT_EQ(port.attributes, nullptr);
+    }
+}
+
+TEST(ManagementTool, UnsafeAndLongCommandsAreRefused) {
+    const scratch directory;
+    const string proof = directory.path / "proof";
+    const string shell_characters = "|&;<>()$`\\\"'*?[#\n";
+    for (const bool simulate : {false, true}) {
+        reset_run();
+        active_option_simulate = simulate ? 1 : 0;
+        for (const char c : shell_characters) {
+            const string value = string("a") + c + " touch " + proof + c;
+            const auto command = compose_command("true %s", {value});
+            const string out = output_of([&] {
+                EXPECT_EQ(run_command(command), simulate ? std::optional(0) : std::nullopt) << c;
+            });
+            EXPECT_EQ(out,
+                      simulate ? "" : "Error: Unsafe character in command: true " + value + "\n");
+        }
+        EXPECT_EQ(run_command(compose_command("true %s", {"a b\r"})), 0);
+        const string line = output_of([] {
+            EXPECT_EQ(run_command(compose_command("true %s", {string(1018, 'x')})), 0);
+            EXPECT_EQ(run_command(compose_command("true %s", {string(1019, 'x')})), std::nullopt);
+        });
+        EXPECT_EQ(line,
+                  "Error: Command or file name is too long: true " + string(1019, 'x') + "\n");
+    }
+    EXPECT_FALSE(std::filesystem::exists(proof));
+    for (const auto& [name, leaves] : std::map<string, bool>{
+             {"..", true}, {"../x", true}, {"x/../y", true}, {"n/a", false}, {"a..b", false}}) {
+        EXPECT_EQ(leaves_directory(name), leaves) << name;
+    }
+}
+
+}  // namespace

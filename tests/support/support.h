@@ -1,0 +1,60 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/exit_status.h"
+
+/// What end_process throws here in place of ending the process.
+struct ended {
+    exit_status status;
+};
+
+/// Puts every global back to where a new process has it.
+void reset_run();
+
+/// Runs `act` and gives what it wrote to standard output.
+std::string output_of(const std::function<void()>& act);
+
+/// The status that `act` returns or ends the process with.
+exit_status status_of(const std::function<exit_status()>& act);
+
+/// From the allocation with this number on (counted from 0) operator new fails; below 0: never.
+extern long allocations_left;
+
+std::string read_file(const std::filesystem::path& path);
+void write_file(const std::filesystem::path& path, std::string_view text);
+
+/// Puts `line` into a file of the folder of expected texts, or gives that text.
+std::string golden(std::string_view name);
+
+/// A directory of its own, gone with its owner.
+struct scratch {
+    std::filesystem::path path;
+    scratch();
+    ~scratch();
+    scratch(const scratch&) = delete;
+    scratch& operator=(const scratch&) = delete;
+};
+
+struct run_result {
+    int status;       ///< exit status; 128 and the signal where one ended the run
+    std::string out;  ///< standard output
+    std::string err;
+};
+
+/// A copy of the sample server: the tool as ./cnatool with table and images beside it, the
+/// stand-in for the management tool below ./opt.
+struct server : scratch {
+    server();
+    /// Runs a shell command line in the server's directory, "./cnatool ..." for one.
+    [[nodiscard]] run_result run(const std::string& command) const;
+    /// The calls that reached the stand-in since the last time, one a line.
+    [[nodiscard]] std::string calls() const;
+    /// Replaces all faults of the stand-in.
+    void set_faults(std::string_view lines) const;
+    [[nodiscard]] std::filesystem::path stand_in() const;
+};
