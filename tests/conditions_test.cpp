@@ -13,9 +13,7 @@ using std::string;
 
 exit_status read_text(const string& text) {
     reset_run();
-    const scratch directory;
-    write_file(directory.path / "table", text);
-    return status_of([&] { return Read_FC_Config_File((directory.path / "table").c_str()); });
+    return status_of([&] { return read_conditions(text_file(text)); });
 }
 
 // "vendor/model/ids/images{storage:products:third...}" of each row.
@@ -98,7 +96,7 @@ TEST(Conditions, LongColumnsAreRefusedOrCut) {
         {14, 19, false}, {15, 9, true},   {16, 9, false}, {17, 19, false}, {18, 9, true},
     };
     for (const auto& c : cases) {
-        for (const std::size_t length : {0, 1, 800}) {
+        for (const std::size_t length : {0, 1, 800, 5000}) {
             string line;
             for (int column = 0; column < 20; ++column) {
                 const bool is_id = column >= 2 && column <= 5;
@@ -108,8 +106,13 @@ TEST(Conditions, LongColumnsAreRefusedOrCut) {
             }
             exit_status status = RET_OK;
             const string out = output_of([&] { status = read_text("#\n" + line + "\n"); });
-            const bool refused = length > 0 && !c.cut;
+            const bool in_pieces =
+                length == 5000;  // its next piece begins a row with a long vendor
+            const bool refused = in_pieces || (length > 0 && !c.cut);
             EXPECT_EQ(status, refused ? RET_FATAL_ERROR : RET_OK) << c.column;
+            if (in_pieces) {
+                continue;
+            }
             EXPECT_EQ(out, !refused
                                ? ""
                                : "\nError line 2: column " + std::to_string(c.column) +
@@ -127,14 +130,11 @@ TEST(Conditions, LongColumnsAreRefusedOrCut) {
 }
 
 TEST(Conditions, ColumnsAreEchoedAsTheyAreStored) {
-    const scratch directory;
-    write_file(directory.path / "table", ids + " | VENDA | A1,B2 | x | VENDB\nV | M | 1 | zz");
+    const string table = ids + " | VENDA | A1,B2 | x | VENDB\nV | M | 1 | zz";
     reset_run();
     VerboseLevel = 5;
     const string echo = output_of([&] {
-        EXPECT_EQ(
-            status_of([&] { return Read_FC_Config_File((directory.path / "table").c_str()); }),
-            RET_FATAL_ERROR);
+        EXPECT_EQ(status_of([&] { return read_conditions(text_file(table)); }), RET_FATAL_ERROR);
     });
     EXPECT_EQ(echo,
               "                  V |                M |   1A2B |   0C3D |      1 |      2 |"

@@ -3,7 +3,6 @@
 #include <map>
 #include <sstream>
 
-#include "frame/lines.h"
 #include "frame/list.h"
 #include "frame/options.h"
 #include "frame/output.h"
@@ -25,9 +24,7 @@ using std::string;
 string list_echo(const string& text) {
     reset_run();
     VerboseLevel = 6;
-    const scratch directory;
-    write_file(directory.path / "list", text);
-    return output_of([&] { EXPECT_EQ(read_port_list((directory.path / "list").c_str()), RET_OK); });
+    return output_of([&] { EXPECT_EQ(read_port_list(text_file(text)), RET_OK); });
 }
 
 TEST(PortList, BlocksBecomePorts) {
@@ -55,18 +52,12 @@ TEST(PortList, BlocksBecomePorts) {
 
     EXPECT_EQ(list_echo("Serial No : 1\nModel : 2\n"), "");
     EXPECT_EQ(p_hba_info_list, nullptr);
-    EXPECT_EQ(read_port_list("no/such/file"), STATUS_OUTPUT_FILE_MISSING);
 }
 
 hba_info read_attributes(const string& text, string* echo = nullptr) {
-    const scratch directory;
-    write_file(directory.path / "out", text);
     hba_info port{};
-    const string out = output_of([&] {
-        EXPECT_EQ(
-            read_port_attributes(open_for_reading((directory.path / "out").c_str()), port, "WWN-1"),
-            RET_OK);
-    });
+    const string out =
+        output_of([&] { EXPECT_EQ(read_port_attributes(text_file(text), port, "WWN-1"), RET_OK); });
     if (echo != nullptr) {
         *echo = out;
     }
@@ -117,13 +108,8 @@ TEST(TargetMapping, TheLastUnitStands) {
         {string(4 * 1023, ' ') + "\nVendor ID : V1\n", "V1", ""},  // pieces count as lines
     };
     for (const auto& c : cases) {
-        const scratch directory;
-        write_file(directory.path / "out", c.text);
         hba_info port{};
-        output_of([&] {
-            EXPECT_EQ(read_target_mapping(open_for_reading((directory.path / "out").c_str()), port),
-                      RET_OK);
-        });
+        output_of([&] { EXPECT_EQ(read_target_mapping(text_file(c.text), port), RET_OK); });
         ASSERT_EQ(port.target_mapping == nullptr, c.vendor == nullptr) << c.text;
         if (c.vendor != nullptr) {
             EXPECT_STREQ(port.target_mapping->VendorID, c.vendor) << c.text;
@@ -229,43 +215,107 @@ TEST(FlashPorts, CandidatesAndChains) {
 
 // --- hostile values -----------------------------------------------------------------------
 
-// A long value reaches no neighbour: each key in turn, all others short and before and behind.
-TEST(LongValues, StayInTheirField) {
-    const char* const keys[] = {
-        "Node WWN",     "Fabric Name", "Current MAC", "Flags",   "Host Name",
-        "Mfg",          "Serial No",   "Port Number", "Mode",    "PCI Bus Number",
-        "PCI Function", "Port Type",   "Model",       "Port WWN"};
-    const string lengthy(900, 'x');
-    for (const string key : keys) {
-        string block = "Port WWN : v\n";
-        for (const string other : keys) {
-            block += other == "Port WWN" ? "" : other + " : v\n";
-        }
-        list_echo(key == "Port WWN" ? "Port WWN : " + lengthy + "\n" + block.substr(13)
-                                    : block + key + " : " + lengthy + "\n");
-        const hba_info& port = *p_hba_info_list[0];
-        const std::map<string, std::pair<const char*, std::size_t>> fields{
-            {"Port WWN", {port.PortWWN, 24}},
-            {"Node WWN", {port.NodeWWN, 24}},
-            {"Fabric Name", {port.FabricName, 24}},
-            {"Current MAC", {port.CurrentMAC, 18}},
-            {"Flags", {port.Flags, 10}},
-            {"Host Name", {port.HostName, 64}},
-            {"Mfg", {port.Mfg, 64}},
-            {"Serial No", {port.SerialNo, 24}},
-            {"Port Number", {port.PortNumber, 6}},
-            {"Mode", {port.Mode, 16}},
-            {"PCI Bus Number", {port.PCIBusNumber, 4}},
-            {"PCI Function", {port.PCIFunction, 4}},
-            {"Port Type", {port.PortType, 16}},
-            {"Model", {port.Model, 64}}};
-        for (const auto& [name, field] : fields) {
-            EXPECT_EQ(field.first, name == key ? lengthy.substr(0, field.second - 1) : "v") << key;
-        }
-        EXPECT_STREQ(port.PermanentMAC, "");
-        EXPECT_EQ(port.port_index, 0);
-        EXPECT_EQ(port.attributes, nullptr);
+struct key_width {
+    const char* key;
+    std::size_t width;
+};
+
+const std::vector<key_width> listing_keys{
+    {"Node WWN", 24},  {"Fabric Name", 24},   {"Current MAC", 18}, {"Flags", 10},
+    {"Host Name", 64}, {"Mfg", 64},           {"Serial No", 24},   {"Port Number", 6},
+    {"Mode", 16},      {"PCI Bus Number", 4}, {"PCI Function", 4}, {"Port Type", 16},
+    {"Model", 64}};
+
+const std::vector<key_width> attribute_keys{{"Host Name", 64},
+                                            {"Manufacturer", 64},
+                                            {"Serial Number", 24},
+                                            {"Model Desc", 256},
+                                            {"Model", 64},
+                                            {"Node WWN", 24},
+                                            {"Node Symname", 256},
+                                            {"HW Version", 16},
+                                            {"FW Version", 16},
+                                            {"Vendor Spec ID", 5},
+                                            {"Number of Ports", 4},
+                                            {"Driver Name", 32},
+                                            {"Device ID", 5},
+                                            {"HBA Type", 64},
+                                            {"Operational FW", 16},
+                                            {"IEEE Address", 18},
+                                            {"PXE Boot", 10},
+                                            {"Driver Version", 16},
+                                            {"Board Temperature", 16},
+                                            {"Function Type", 16},
+                                            {"Sub Device ID", 5},
+                                            {"Port Number", 16},
+                                            {"PCI Bus Number", 5},
+                                            {"PCI Func Number", 5},
+                                            {"Sub Vendor ID", 5},
+                                            {"Firmware Status", 16},
+                                            {"Service Processor FW Name", 16},
+                                            {"ULP FW Name", 16},
+                                            {"IPL Filename", 16},
+                                            {"NCSI Version", 16},
+                                            {"Start-up Boot Code Version", 16},
+                                            {"FCoE Universal Version", 16},
+                                            {"FCoE x86 BIOS Version", 16},
+                                            {"FCoE EFI Version", 16},
+                                            {"FCoE FCODE Version", 16},
+                                            {"UEFI BIOS Version", 16},
+                                            {"UEFI NIC Version", 16},
+                                            {"UEFI FCODE Version", 16},
+                                            {"UEFI iSCSI Version", 16},
+                                            {"PCI Express Link Speed", 16},
+                                            {"PCI Express Bus Width", 10}};
+
+const std::vector<key_width> mapping_keys{
+    {"FCP LUN", 24},   {"SCSI OS Lun", 5},    {"Lun Device Name", 128},
+    {"Vendor ID", 64}, {"Product ID", 64},    {"Product Version", 16},
+    {"Type", 5},       {"SCSI Capacity", 12}, {"Block Size", 12}};
+
+// Reads all keys with the value "v" and then one with 5,000 characters: of the whole record
+// only the characters of that field may change, and its terminator not.
+template <typename Record>
+void expect_kept(const std::vector<key_width>& keys, const string& head,
+                 const std::function<Record(const string&)>& read) {
+    string block = head;
+    for (const key_width& other : keys) {
+        block += string(other.key) + " : v\n";
     }
+    const Record before = read(block);
+    for (const auto& [key, width] : keys) {
+        const Record after = read(block + key + " : " + string(5000, 'x') + "\n");
+        const auto* a = reinterpret_cast<const char*>(&before);
+        const auto* b = reinterpret_cast<const char*>(&after);
+        const auto [first, second] = std::mismatch(a, a + sizeof before, b);
+        EXPECT_STREQ(first, "v") << key;
+        EXPECT_EQ(string(second), string(width - 1, 'x')) << key;
+        EXPECT_TRUE(std::equal(first + width, a + sizeof before, second + width)) << key;
+    }
+}
+
+TEST(LongValues, StayInTheirField) {
+    reset_run();
+    expect_kept<hba_info>(listing_keys, "Port WWN : w\n", [](const string& text) {
+        release_port_records();
+        EXPECT_EQ(read_port_list(text_file(text)), RET_OK);
+        return *p_hba_info_list[0];
+    });
+    expect_kept<hba_attributes_entry>(
+        attribute_keys, "HBA Attributes for\n",
+        [](const string& text) { return *read_attributes(text).attributes; });
+    expect_kept<target_mapping_entry>(mapping_keys, "\n\n\n\n", [](const string& text) {
+        hba_info port{};
+        EXPECT_EQ(read_target_mapping(text_file(text), port), RET_OK);
+        return *port.target_mapping;
+    });
+    release_port_records();
+    read_port_list(text_file("Port WWN : " + string(5000, 'x') +
+                             "\nPermanent MAC : " + string(5000, 'y') + "\n"));
+    EXPECT_EQ(p_hba_info_list[0]->PortWWN, string(23, 'x'));
+    EXPECT_STREQ(p_hba_info_list[0]->NodeWWN, "");
+    EXPECT_EQ(p_hba_info_list[1]->PermanentMAC, string(17, 'y'));
+    EXPECT_STREQ(p_hba_info_list[1]->CurrentMAC, "");
 }
 
 TEST(ManagementTool, UnsafeAndLongCommandsAreRefused) {

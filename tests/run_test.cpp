@@ -172,7 +172,9 @@ TEST(Run, RefusedCallsSayWhy) {
     const string combined =
         "\n\nCombining options \"-vid\", \"-subvid\", \"-dev\", \"-subdev\" together with option ";
     const string please = "\n\nPlease, also specify ";
-    const string models = "Please enter at least one controller-model string (\"LPe11002-M4, TQ900-HV31k, QLE2460... \")!\n";
+    const string models =
+        "Please enter at least one controller-model string (\"LPe11002-M4, TQ900-HV31k, QLE2460... "
+        "\")!\n";
     const string names = id + "vendor-name (\"Emulex, QLogic, ... \")!\n";
     const string invalid = "\n\nInvalid argument '";
     const string long_value(1024, '1');

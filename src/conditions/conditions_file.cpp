@@ -189,10 +189,10 @@ fc_periphery_info* get_new_periphery_info_entry() { return new_record(triples); 
 
 exit_status Read_FC_Config_File(const char* path) {
     const input_file file = open_for_reading(path);
-    if (file == nullptr) {
-        Print(1, "Error: Could not open file %s\n", path);
-        return RET_FC_HBA_CONDITIONS_MISSING;
-    }
+    return file == nullptr ? RET_FC_HBA_CONDITIONS_MISSING : read_conditions(file);
+}
+
+exit_status read_conditions(const input_file& file) {
     char line[line_width];
     for (position at{.line = 1}; next_line(file, line); ++at.line) {
         if (const exit_status status = read_line(line, at)) {

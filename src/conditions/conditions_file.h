@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "frame/exit_status.h"
+#include "frame/lines.h"
 
 /// One allowed storage vendor of a row.
 struct fc_periphery_info {
@@ -48,6 +49,9 @@ fc_periphery_info* get_new_periphery_info_entry();
 /// opened, 54 without memory, 55 for a column that is longer than its field. A bad identifier
 /// ends the process with 55.
 exit_status Read_FC_Config_File(const char* path);
+
+/// The same for a table that is open already. Gives 0, 54 or 55.
+exit_status read_conditions(const input_file& file);
 
 /// Releases all rows, for a process that reads more than one table.
 void release_conditions();

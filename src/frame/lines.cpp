@@ -4,18 +4,29 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-input_file open_for_reading(const char* path) {
-    const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0) {
-        return nullptr;
-    }
-    // A pipe or device in the place of a file could be read for ever.
+#include "frame/output.h"
+
+namespace {
+
+// A pipe or device in the place of a file could be read for ever.
+bool is_file_or_directory(int descriptor) {
     struct stat status {};
-    const bool usable =
-        fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
-    input_file file(usable ? fdopen(descriptor, "r") : nullptr);
+    return fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
+}
+
+}  // namespace
+
+input_file open_for_reading(const char* path) {
+    input_file file;
+    const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor >= 0 && is_file_or_directory(descriptor)) {
+        file.reset(fdopen(descriptor, "r"));
+    }
     if (file == nullptr) {
-        close(descriptor);
+        if (descriptor >= 0) {
+            close(descriptor);
+        }
+        Print(1, "Error: Could not open file %s\n", path);
     }
     return file;
 }

@@ -13,8 +13,8 @@ using input_file = std::unique_ptr<std::FILE, file_closer>;
 
 inline constexpr std::size_t line_width = 1024;
 
-/// Opens `path` for reading; empty when that fails or when it is neither a file nor a directory.
-/// A directory reads as empty.
+/// Opens `path` for reading; a directory reads as empty. Empty, and said at level 1, when that
+/// fails or when it is neither a file nor a directory.
 input_file open_for_reading(const char* path);
 
 /// Reads the next line with its newline, at most 1023 characters a time: a longer line comes

@@ -94,12 +94,7 @@ exit_status run_listing() {
 
 }  // namespace
 
-exit_status read_port_list(const char* path) {
-    const input_file file = open_for_reading(path);
-    if (file == nullptr) {
-        Print(1, "Error: Could not open file %s\n", path);
-        return STATUS_OUTPUT_FILE_MISSING;
-    }
+exit_status read_port_list(const input_file& file) {
     hba_info* port = nullptr;
     int number = 0;
     char line[line_width];
@@ -115,5 +110,7 @@ exit_status collect_port_list() {
     if (const exit_status status = run_listing()) {
         return status;
     }
-    return read_port_list(fill_in("%s/%s", {pHBAWorkingPath, "local_hba_list.out"}).c_str());
+    const std::string path = fill_in("%s/%s", {pHBAWorkingPath, "local_hba_list.out"});
+    const input_file file = open_for_reading(path.c_str());
+    return file == nullptr ? STATUS_OUTPUT_FILE_MISSING : read_port_list(file);
 }

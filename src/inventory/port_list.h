@@ -1,11 +1,12 @@
 #pragma once
 
 #include "frame/exit_status.h"
+#include "frame/lines.h"
 
 /// First stage of the collection: runs the listing command and opens a port in p_hba_info_list
 /// for each block of its output. Gives 0, 51 when the output cannot be opened, 55 when the
 /// command failed or was refused, 54 without memory.
 exit_status collect_port_list();
 
-/// Reads an output of the listing command at `path` into p_hba_info_list. Gives 0, 51 or 54.
-exit_status read_port_list(const char* path);
+/// Reads an output of the listing command into p_hba_info_list. Gives 0 or 54.
+exit_status read_port_list(const input_file& file);

@@ -27,9 +27,5 @@ exit_status ask_about_port(const port_query& query, const hba_info& port, const 
     const std::string path =
         fill_in("%s/%s_%s_%s", {pHBAWorkingPath, port.SerialNo, port.PCIFunction, query.file_name});
     file = open_for_reading(path.c_str());
-    if (file == nullptr) {
-        Print(1, "Error: Could not open file %s\n", path.c_str());
-        return STATUS_OUTPUT_FILE_MISSING;
-    }
-    return RET_OK;
+    return file == nullptr ? STATUS_OUTPUT_FILE_MISSING : RET_OK;
 }

@@ -9,17 +9,7 @@
 #include <new>
 #include <sstream>
 
-#include "conditions/conditions_file.h"
-#include "frame/end_process.h"
-#include "frame/options.h"
-#include "frame/output.h"
-#include "frame/paths.h"
-#include "frame/selection.h"
-#include "inventory/port_records.h"
-
 namespace fs = std::filesystem;
-
-void end_process(exit_status status) { throw ended{status}; }
 
 long allocations_left = -1;
 
@@ -34,23 +24,6 @@ void* operator new(std::size_t size) {
 
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
-
-void reset_run() {
-    DebugLevel = 0;
-    VerboseLevel = 1;
-    PrintDebugOnScreen = 1;
-    for (int* option : {&active_option_valid_subsystem, &active_option_ctrl_wide_identical,
-                        &active_option_ctrl_vendor_wide_identical, &active_option_simulate,
-                        &active_option_flash, &active_option_vox_mode}) {
-        *option = 0;
-    }
-    for (char* path : {pHBAConditionsPath, pHBAFirmwarePath, pHBAWorkingPath, pHBAFlashCmdPath}) {
-        *path = '\0';
-    }
-    release_selections();
-    release_conditions();
-    release_port_records();
-}
 
 std::string output_of(const std::function<void()>& act) {
     testing::internal::CaptureStdout();

@@ -6,15 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/exit_status.h"
-
-/// What end_process throws here in place of ending the process.
-struct ended {
-    exit_status status;
-};
-
-/// Puts every global back to where a new process has it.
-void reset_run();
+#include "support/process.h"
 
 /// Runs `act` and gives what it wrote to standard output.
 std::string output_of(const std::function<void()>& act);
@@ -28,7 +20,7 @@ extern long allocations_left;
 std::string read_file(const std::filesystem::path& path);
 void write_file(const std::filesystem::path& path, std::string_view text);
 
-/// Puts `line` into a file of the folder of expected texts, or gives that text.
+/// A text of the folder of expected texts.
 std::string golden(std::string_view name);
 
 /// A directory of its own, gone with its owner.

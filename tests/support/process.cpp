@@ -1,0 +1,34 @@
+#include "support/process.h"
+
+#include "conditions/conditions_file.h"
+#include "frame/end_process.h"
+#include "frame/options.h"
+#include "frame/output.h"
+#include "frame/paths.h"
+#include "frame/selection.h"
+#include "inventory/port_records.h"
+
+void end_process(exit_status status) { throw ended{status}; }
+
+void reset_run() {
+    DebugLevel = 0;
+    open_debug_log("");  // opens none at this level and forgets what was held back for one
+    VerboseLevel = 1;
+    PrintDebugOnScreen = 1;
+    for (int* option : {&active_option_valid_subsystem, &active_option_ctrl_wide_identical,
+                        &active_option_ctrl_vendor_wide_identical, &active_option_simulate,
+                        &active_option_flash, &active_option_vox_mode}) {
+        *option = 0;
+    }
+    for (char* path : {pHBAConditionsPath, pHBAFirmwarePath, pHBAWorkingPath, pHBAFlashCmdPath}) {
+        *path = '\0';
+    }
+    release_selections();
+    release_conditions();
+    release_port_records();
+}
+
+input_file text_file(std::string_view text) {
+    // fmemopen only reads in this mode, though it asks for text that may be written.
+    return input_file(fmemopen(const_cast<char*>(text.data()), text.size(), "r"));
+}
