@@ -107,6 +107,34 @@ void store_number(fc_config_file_entry& row, const row_column& column, const pos
     }
 }
 
+/// The row under way, and what hangs on it so far.
+struct open_row {
+    fc_config_file_entry* row = nullptr;
+    fc_periphery_info** link = nullptr;   // where the next triple is to be hung
+    fc_periphery_info* triple = nullptr;  // the one begun last
+};
+
+exit_status begin_row(open_row& open) {
+    open.row = get_new_config_file_entry();
+    if (open.row == nullptr) {
+        Print(1, "Could not allocate memory for new fc_config_file entry.\n");
+        return RET_MEMALLOC_FAIL;
+    }
+    open.link = &open.row->periphery_list;
+    return RET_OK;
+}
+
+exit_status begin_triple(open_row& open) {
+    open.triple = get_new_periphery_info_entry();
+    if (open.triple == nullptr) {
+        Print(1, "Could not allocate memory for new fc_periphery_info.\n");
+        return RET_MEMALLOC_FAIL;
+    }
+    *open.link = open.triple;
+    open.link = &open.triple->next;
+    return RET_OK;
+}
+
 exit_status store_row_column(fc_config_file_entry& row, const char* text, const position& at) {
     const row_column& column = row_columns[at.column];
     const std::span<char> field = column.field(row);
@@ -120,26 +148,27 @@ exit_status store_row_column(fc_config_file_entry& row, const char* text, const 
     return RET_OK;
 }
 
-// `link` is where the line's next triple is to be hung; `current` the one begun last.
-exit_status store_triple_column(fc_periphery_info**& link, fc_periphery_info*& current,
-                                const char* text, const position& at) {
+exit_status store_triple_column(open_row& open, const char* text, const position& at) {
     const std::size_t place = (at.column - row_columns.size()) % triple_columns.size();
-    if (place == 0) {
-        current = get_new_periphery_info_entry();
-        if (current == nullptr) {
-            Print(1, "Could not allocate memory for new fc_periphery_info.\n");
-            return RET_MEMALLOC_FAIL;
-        }
-        *link = current;
-        link = &current->next;
-    }
-    const triple_column& column = triple_columns[place];
-    const std::span<char> field = column.field(*current);
-    if (const exit_status status = store_text(field, column.format, text, at)) {
+    exit_status status = place == 0 ? begin_triple(open) : RET_OK;
+    if (status != RET_OK) {
         return status;
     }
-    echo(column.format, field);
-    return RET_OK;
+    const triple_column& column = triple_columns[place];
+    const std::span<char> field = column.field(*open.triple);
+    status = store_text(field, column.format, text, at);
+    if (status == RET_OK) {
+        echo(column.format, field);
+    }
+    return status;
+}
+
+exit_status store_column(open_row& open, std::string_view part, const position& at) {
+    char column[line_width];
+    set_text(column, part);
+    const char* text = cleanString(column);
+    return at.column < row_columns.size() ? store_row_column(*open.row, text, at)
+                                          : store_triple_column(open, text, at);
 }
 
 // What can become of a piece of the file, in the order of the tests:
@@ -150,29 +179,17 @@ exit_status read_line(std::string_view line, position at) {
     if (line.find('#') != std::string_view::npos || line.find("--+--") != std::string_view::npos) {
         return RET_OK;
     }
-    fc_config_file_entry* row = nullptr;
-    fc_periphery_info** link = nullptr;
-    fc_periphery_info* current = nullptr;
+    open_row open;
     for (; const auto part = next_part(line, '|'); ++at.column) {
-        if (row == nullptr) {
-            row = get_new_config_file_entry();
-            if (row == nullptr) {
-                Print(1, "Could not allocate memory for new fc_config_file entry.\n");
-                return RET_MEMALLOC_FAIL;
-            }
-            link = &row->periphery_list;
+        exit_status status = at.column == 0 ? begin_row(open) : RET_OK;
+        if (status == RET_OK) {
+            status = store_column(open, *part, at);
         }
-        char column[line_width];
-        set_text(column, *part);
-        const char* text = cleanString(column);
-        const exit_status status = at.column < row_columns.size()
-                                       ? store_row_column(*row, text, at)
-                                       : store_triple_column(link, current, text, at);
         if (status != RET_OK) {
             return status;
         }
     }
-    if (row != nullptr) {
+    if (open.row != nullptr) {
         Print(5, "\n");
     }
     return RET_OK;

@@ -101,7 +101,7 @@ outcome read_level(const level_option& option, std::string_view element, const c
     return std::nullopt;
 }
 
-void read_name_and_slashes(int argc, char** argv) {
+void first_pass(int argc, char** argv) {
     const std::string_view called_as = argc > 0 ? argv[0] : "";
     set_text(program_name, called_as.substr(called_as.rfind('/') + 1));
     for (int i = 1; i < argc; ++i) {
@@ -114,7 +114,7 @@ void read_name_and_slashes(int argc, char** argv) {
     }
 }
 
-outcome read_levels(int argc, char** argv, unsigned& marks) {
+outcome second_pass(int argc, char** argv, unsigned& marks) {
     for (int i = 1; i < argc; ++i) {
         if (contains(argv[i], "--silent")) {
             silence(nullptr);
@@ -209,13 +209,10 @@ outcome take_directory(const char* value) {
     return set_directory(value) ? std::nullopt : refuse(bad_path);
 }
 
-// The second pass has taken the level.
-outcome skip_level(const char* /*value*/) { return std::nullopt; }
-
 struct option_row {
     std::string_view word;
     word_test fits;
-    outcome (*act)(const char* value);
+    outcome (*act)(const char* value);  // null: skipped with its level, which has been taken
     unsigned mark = 0;
     const char* missing_value = nullptr;  // null: the option takes no value
     const char* bad_value = nullptr;
@@ -230,8 +227,8 @@ constexpr option_row option_rows[] = {
     {"--info", equals, show_info},
     {"--version", equals, show_version},
     {"--silent", contains, silence},
-    {"-v", is_verbose_word, skip_level, 0, "", ""},
-    {"-d", is_debug_word, skip_level, 0, "", ""},
+    {.word = "-v", .fits = is_verbose_word, .act = nullptr},
+    {.word = "-d", .fits = is_debug_word, .act = nullptr},
     {"-subvid", contains, select_by<list_of_subvendor_ids>, mark_subvid, bad_subvid, bad_subvid},
     {"-vid", contains, select_by<list_of_vendor_ids>, mark_vid, bad_vid, bad_vid},
     {"-mod", begins, select_by<list_of_models>, mark_mod, bad_model, bad_model},
@@ -265,12 +262,16 @@ const option_row* find_option(std::string_view element) {
     return nullptr;
 }
 
-outcome read_options(int argc, char** argv, unsigned& marks) {
+outcome third_pass(int argc, char** argv, unsigned& marks) {
     for (int i = 1; i < argc; ++i) {
         const option_row* row = find_option(argv[i]);
         if (row == nullptr) {
             Print(1, "\n\nInvalid argument '%s' !\n\n", argv[i]);
             return RET_BAD_CALL;
+        }
+        if (row->act == nullptr) {
+            ++i;
+            continue;
         }
         const char* value = nullptr;
         if (row->missing_value != nullptr) {
@@ -335,13 +336,13 @@ outcome compare_marks(unsigned marks) {
 
 outcome read_command_line(int argc, char** argv) {
     unsigned marks = 0;
-    read_name_and_slashes(argc, argv);
-    outcome ended = read_levels(argc, argv, marks);
+    first_pass(argc, argv);
+    outcome ended = second_pass(argc, argv, marks);
     if (!ended) {
         ended = settle_switches(marks);
     }
     if (!ended) {
-        ended = read_options(argc, argv, marks);
+        ended = third_pass(argc, argv, marks);
     }
     if (!ended) {
         ended = compare_marks(marks);

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-/// Makes an all-zero record, owned by `owner` until the process ends. Null when memory ran out.
+/// Makes an all-zero record, owned by `owner`. Null when memory ran out.
 template <typename Record>
 Record* new_record(std::list<Record>& owner) {
     try {

@@ -9,9 +9,8 @@ inline constexpr char conditions_file_name[] = "FC_HBA_Conditions.txt";
 extern char TEMPDIR_BUFFER[4096];            ///< TMPDIR or "/tmp"; only printed
 extern char pHBAConditionsPath[path_width];  ///< full path of the conditions file
 extern char pHBAFirmwarePath[path_width];    ///< base directory of the images, with its slash
-extern char
-    pHBAWorkingPath[path_width];  ///< directory of the management tool's output, with its slash
-extern char pHBAFlashCmdPath[path_width];  ///< the management tool; empty until it is found
+extern char pHBAWorkingPath[path_width];     ///< directory of all output files, with its slash
+extern char pHBAFlashCmdPath[path_width];    ///< the management tool; empty until it is found
 
 /// Sets all three paths to the bare `directory`. False, and nothing changed, when the directory
 /// leaves no room for the name of the conditions file behind it.

@@ -29,7 +29,7 @@ void apply_default_check() {
     }
 }
 
-exit_status read_conditions() {
+exit_status read_table() {
     Print(3, "HBA conditions file: %s\n", pHBAConditionsPath);
     const exit_status status = Read_FC_Config_File(pHBAConditionsPath);
     switch (status) {
@@ -145,10 +145,6 @@ exit_status unless_vox_mode(exit_status status) {
     return active_option_vox_mode != 0 ? RET_OK : status;
 }
 
-void print_check_result(bool passed) {
-    Print(3, "OverallSubSystemCheck returned: %d \n", passed ? 1 : 0);
-}
-
 exit_status run_flash(global_ctrl_flags& flags) {
     const exit_status status = OverallFlashBladeEngine(p_option_input, &flags);
     Print(3, "\t\tOverallFlashBladeEngine returned: %d \n\n", static_cast<int>(status));
@@ -163,12 +159,13 @@ std::optional<exit_status> run_jobs(global_ctrl_flags& flags) {
                                  active_option_ctrl_vendor_wide_identical != 0;
     if (check_requested) {
         const bool passed = OverallSubSystemCheck(p_option_input, &flags);
+        if (active_option_flash == 0 || !passed) {
+            Print(3, "OverallSubSystemCheck returned: %d \n", passed ? 1 : 0);
+        }
         if (active_option_flash == 0) {
-            print_check_result(passed);
             return std::nullopt;
         }
         if (!passed) {
-            print_check_result(passed);
             return status_of_storage(flags);
         }
     }
@@ -202,7 +199,7 @@ exit_status main_sequence(const char* called_as) {
         return RET_FATAL_ERROR;
     }
     open_debug_log(pHBAWorkingPath);
-    if (const exit_status status = read_conditions()) {
+    if (const exit_status status = read_table()) {
         return status;
     }
     echo_conditions();
