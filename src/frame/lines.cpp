@@ -32,5 +32,12 @@ input_file open_for_reading(const char* path) {
 }
 
 bool next_line(const input_file& file, char (&line)[line_width]) {
-    return std::fgets(line, sizeof line, file.get()) != nullptr;
+    std::size_t length = 0;
+    int c = 0;
+    while (length < sizeof line - 1 && c != '\n' && (c = getc_unlocked(file.get())) != EOF) {
+        // A NUL would hide what stands behind it. This stands in no name, and reaches no shell.
+        line[length++] = c == '\0' ? '?' : static_cast<char>(c);
+    }
+    line[length] = '\0';
+    return length > 0;
 }

@@ -44,6 +44,7 @@ int string2int(char* text, int base) {
     const std::uint64_t value = std::strtoul(digits, &end, base);
     if (errno != 0) {
         std::perror("strtoul");
+        // It has only the number of the status in common with this one.
         end_process(RET_NOT_CTRL_WIDE_IDENTICAL);
     }
     if (*end != '\0') {
@@ -64,7 +65,7 @@ int number_of(std::string_view text, int base) {
 
 void set_text(std::span<char> field, std::string_view value) {
     const std::size_t length = std::min(value.size(), field.size() - 1);
-    std::memcpy(field.data(), value.data(), length);
+    std::copy_n(value.begin(), length, field.begin());
     field[length] = '\0';
 }
 

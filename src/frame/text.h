@@ -9,10 +9,10 @@
 /// and gives its first character that is no blank. Carriage returns stay.
 char* cleanString(char* text);
 
-/// The number in `text`, or a negative result when the text is none: -1, or minus the number
-/// where a minus sign stands before it. Only the low 32 bits count. Blanks and newlines at the
-/// end are cut off in the caller's text; one of 8192 characters or more is no number. A number
-/// that 64 bits do not hold ends the process with status 1.
+/// The number in `text`: -1 for text that is not wholly a number or has 8192 characters or more,
+/// negated behind a minus sign; only the low 32 bits count and are read as signed. Callers that
+/// want an identifier refuse all that is negative. Blanks and newlines at the end are cut off in
+/// the caller's text. A number that 64 bits do not hold ends the process with status 1.
 int string2int(char* text, int base);
 
 /// string2int for text that must stay as it is.
