@@ -8,6 +8,8 @@
 #include <new>
 #include <string>
 
+#include "frame/text.h"
+
 int DebugLevel = 0;
 int VerboseLevel = 1;
 int PrintDebugOnScreen = 1;
@@ -20,12 +22,13 @@ std::FILE* debug_log = nullptr;
 // The log's directory is settled only after the command line has been read: what -d asks for
 // until then waits here.
 std::string held_back;
+bool log_is_due = true;
 
 void hold_back(const char* text) {
     try {
         held_back.append(text);
     } catch (const std::bad_alloc&) {
-        held_back.clear();  // The log begins later; nothing else may change.
+        held_back.clear();  // It is missing in the log then; the run goes on.
     }
 }
 
@@ -55,7 +58,7 @@ int PrintDebug(int level, const char* text, std::FILE* stream) {
         stream = debug_log;
     }
     if (stream == nullptr && PrintDebugOnScreen == 0) {
-        if (level <= DebugLevel) {
+        if (log_is_due && level <= DebugLevel) {
             hold_back(text);
         }
         return 0;
@@ -89,8 +92,10 @@ void Print(int level, const char* format, ...) {
 void print_out_of_memory() { Print(1, "Error: %s, Memory allocation failed!\n", program_name); }
 
 void open_debug_log(const char* directory) {
-    if (DebugLevel > 0) {
-        debug_log = open_plain_file((std::string(directory) + "Servie_DLL.log").c_str());
+    char path[message_width];
+    set_text(path, directory);
+    if (DebugLevel > 0 && append_text(path, "Servie_DLL.log")) {
+        debug_log = open_plain_file(path);
     }
     if (debug_log != nullptr) {
         // A long run can be followed in the log, and a killed one leaves what it said.
@@ -98,4 +103,5 @@ void open_debug_log(const char* directory) {
         std::fputs(held_back.c_str(), debug_log);
     }
     held_back = {};
+    log_is_due = false;
 }

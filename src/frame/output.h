@@ -5,8 +5,8 @@
 
 extern int DebugLevel;    ///< 0 to 6; messages up to it go to the debug log
 extern int VerboseLevel;  ///< 0 to 6; messages up to it go to standard output
-extern int
-    PrintDebugOnScreen;  ///< 0: text goes only to a stream that is handed in, or to the debug log
+/// 0: text goes only to a stream that is handed in, or to the debug log.
+extern int PrintDebugOnScreen;
 
 inline constexpr std::size_t message_width = 4096;  ///< a longer message is cut
 
