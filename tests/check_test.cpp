@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <array>
+#include <map>
+#include <sstream>
 
 #include "check/check_walk.h"
 #include "check/controller_check.h"
@@ -16,25 +17,23 @@ namespace {
 
 using std::string;
 
-using storage = std::pair<string, string>;  // vendor and products, or vendor and product
-
-// A row of the table for ids 1:2, whose storage is given.
-fc_config_file_entry** add_row(const std::vector<storage>& allowed) {
+// A row of the table for ids 1:2 that allows "vendor=products;...".
+fc_config_file_entry** add_row(const string& allowed) {
     fc_config_file_entry& row = *get_new_config_file_entry();
     row.vendor_id = 1;
     row.device_id = 2;
     fc_periphery_info** link = &row.periphery_list;
-    for (const auto& [vendor, products] : allowed) {
+    std::istringstream list(allowed);
+    for (string word; std::getline(list, word, ';'); link = &(*link)->next) {
         *link = get_new_periphery_info_entry();
-        set_text((*link)->vendor, vendor);
-        set_text((*link)->product_list, products);
-        link = &(*link)->next;
+        set_text((*link)->vendor, word.substr(0, word.find('=')));
+        set_text((*link)->product_list, word.substr(word.find('=') + 1));
     }
     return fc_config_entry_list;
 }
 
-hba_info& add_port(const char* serial, const char* place, const char* type,
-                   const storage& attached) {
+// A port with ids 1:2 and the product Alpha1 of this vendor behind it; none for "-".
+hba_info& add_port(const char* serial, const char* place, const char* type, const string& vendor) {
     hba_info& port = *get_new_hba_info_entry();
     set_text(port.SerialNo, serial);
     set_text(port.PCIFunction, place);
@@ -43,148 +42,86 @@ hba_info& add_port(const char* serial, const char* place, const char* type,
     port.attributes = get_new_hba_attributes_entry();
     port.attributes->vendor_id = 1;
     port.attributes->device_id = 2;
-    if (!attached.first.empty()) {
+    if (vendor != "-") {
         port.target_mapping = get_new_target_mapping_entry();
-        set_text(port.target_mapping->VendorID, attached.first);
-        set_text(port.target_mapping->ProductID, attached.second);
+        set_text(port.target_mapping->VendorID, vendor);
+        set_text(port.target_mapping->ProductID, "Alpha1");
         set_text(port.target_mapping->ProductVersion, "1.0");
     }
     return port;
 }
 
-const string block = "\n\t\tAttached storage sub-system:\n\t\t\t\tV\n\t\t\t\tAlpha1\n\t\t\t\t1.0\n";
-
-string three_tabs(const string& member) {
-    return "\t\t\tCheck subsystem: '" + member + "' Attached subsystem: 'Alpha1'";
-}
-
-string two_tabs(const string& member) { return three_tabs(member).substr(1); }
-
-const string ok = "\t\t\t--> OK\n";
-const string invalid = "\t\t\t--> Invalid subsystem!\n";
-
-string group_passed(const string& reference, const string& group) {
-    return "\tAlready identified reference subsystems: " + reference +
-           "  Subsystem group: " + group + "\n\tReference subsystem " + reference +
-           " found in Group: " + group +
-           "\n\t\t\tAll reference subsystems appear in the same group: " + group + "\n";
-}
-
 TEST(Validation, TriplesAreTriedInTheirOrder) {
-    struct {
-        std::vector<storage> allowed;
-        bool valid;
-        string text;
-    } const cases[] = {
-        {{}, false, ""},
-        {{{"W", ""}, {"v", ""}, {"", ""}, {"  ", ""}, {"Vx", ""}}, false, ""},
-        {{{"V", ""}}, true, block + "\n"},
-        {{{"V", "Alpha"}},
-         true,
-         block + two_tabs("Alpha") + ok + group_passed("Alpha", "Alpha") + "\n"},
-        {{{"V", "Alpha10"}}, false, block + two_tabs("Alpha10") + invalid},
-        {{{"V", "B,Alp,Alpha1"}},
-         true,
-         block + three_tabs("B") + invalid + three_tabs("Alp") + ok +
-             group_passed("Alp", "B,Alp,Alpha1") + "\n"},
-        {{{"V", "B,A"}},
-         true,
-         block + three_tabs("B") + invalid + two_tabs("A") + ok + group_passed("A", "B,A") + "\n"},
-        {{{"V", ",B"}}, true, block + three_tabs("") + ok + "\n"},
-        {{{"V", "B,"}}, false, block + three_tabs("B") + invalid + two_tabs("") + invalid},
-        {{{"V", "B"}, {"V", "A"}, {"V", "C"}},
-         true,
-         block + two_tabs("B") + invalid + block + two_tabs("A") + ok + group_passed("A", "A") +
-             "\n"},
-        {{{"V", ""}, {"V", "B,C"}, {"V", "D"}},
-         true,
-         block + block + three_tabs("B") + invalid + block + "\n"},
-    };
-    for (const auto& c : cases) {
+    for (test_case& c : cases("validations.txt")) {
         reset_run();
-        fc_config_file_entry** row = add_row(c.allowed);
-        const hba_info& port = add_port("A", "0", "FCoE", {"V", "Alpha1"});
+        fc_config_file_entry** row = add_row(c["allowed"]);
+        const hba_info& port = add_port("A", "0", "FCoE", "V");
         global_ctrl_flags flags;
         bool valid = false;
         EXPECT_EQ(output_of([&] { valid = DoIndividualSubSystemCheck(&port, row, &flags); }),
-                  c.text);
-        EXPECT_EQ(valid, c.valid) << c.text;
-        EXPECT_EQ(flags.InvalidCtrlSubsystemCombinationFound, c.valid ? 0 : 1);
+                  c["says"]);
+        EXPECT_EQ(valid, c["valid"] == "1") << c["allowed"];
+        EXPECT_EQ(flags.InvalidCtrlSubsystemCombinationFound, valid ? 0 : 1);
     }
 }
 
 TEST(Validation, GroupsHoldAtLeastOneReference) {
-    struct {
-        const char *group, *references, *said;  // "+name" found, "-name" not
-    } const cases[] = {
-        {"B,C", "A,B", "+B"}, {"A,C", "A,B", "+A"},    {"A,C", "X,Y", "-X"},
-        {"A,B", "A", "+A"},   {"A", "A", "+A"},        {"AB", "A", "-A"},
-        {"A,,B", "A", "+A"},  {"A,B,", "A,B", "+A"},   {"A,B", "A,B,", "-A,B"},
-        {"A,B,", "B", "+B"},  {"X,A,", "Y,X,A", "-Y"}, {"", "A", "-A"},
-    };
     reset_run();
-    for (const auto& c : cases) {
-        const string group = c.group;
-        const string name = string(c.said).substr(1);
-        const bool found = c.said[0] == '+';
-        bool result = false;
-        string out = output_of([&] { result = CheckModelGroupConsistency(c.group, c.references); });
-        EXPECT_EQ(result, found) << group << " " << c.references;
-        EXPECT_EQ(out,
-                  string("\tAlready identified reference subsystems: ") + c.references +
-                      "  Subsystem group: " + group + "\n" +
-                      (found ? "\tReference subsystem " + name + " found in Group: " + group + "\n"
-                             : "\tReference subsystem '" + name + "' not in Group: >" + group +
-                                   "< => Skip this group.\n"));
+    for (test_case& c : cases("groups.txt")) {
+        const string& group = c["group"];
+        const string& references = c["references"];
+        bool found = false;
+        EXPECT_EQ(output_of([&] {
+                      found = CheckModelGroupConsistency(group.c_str(), references.c_str());
+                  }),
+                  "\tAlready identified reference subsystems: " + references +
+                      "  Subsystem group: " + group + "\n" + c["says"]);
+        EXPECT_EQ(found, c["found"] == "1") << group << " " << references;
     }
 }
 
 // Two controllers C and D of two FCoE ports behind an iSCSI flash port each.
+std::map<string, const hba_info*> add_controllers(const string& vendors) {
+    std::map<string, const hba_info*> ports{{"none", nullptr}};
+    std::istringstream words(vendors);
+    for (const char* controller : {"C", "D"}) {
+        add_port(controller, "0", "iSCSI", "-");
+        for (const char* number : {"1", "2"}) {
+            string vendor;
+            words >> vendor;
+            ports[string(controller) + number] = &add_port(controller, number, "FCoE", vendor);
+        }
+    }
+    Determine_Flash_Ports();
+    return ports;
+}
+
 TEST(CheckWalk, FlagsAndResultsByMode) {
-    struct {
-        std::array<storage, 4> attached;  // C1, C2, D1, D2; an empty vendor: none
-        std::array<int, 4> flags;         // invalid, matching, controller-wide, vendor-wide
-        int reference;                    // index of the port, -1: none
-        std::array<bool, 3> passed;       // valid, controller-wide, vendor-wide
-    } const cases[] = {
-        {{{{"V", "P"}, {"V", "P"}, {}, {}}}, {0, 1, 1, 1}, 0, {true, true, true}},
-        {{{{"X", "P"}, {"V", "P"}, {}, {}}}, {1, 1, 0, 0}, 1, {false, false, false}},
-        {{{{"V", "P"}, {"W", "P"}, {}, {}}}, {0, 1, 0, 0}, 0, {true, false, false}},
-        {{{{"V", "P"}, {"V", "P"}, {"W", "P"}, {"W", "P"}}}, {0, 1, 1, 0}, 0, {true, true, false}},
-        {{{{}, {}, {"W", "P"}, {"W", "P"}}}, {0, 1, 1, 1}, 2, {true, true, true}},
-        {{{{"V", "P"}, {"X", "P"}, {}, {}}}, {1, 1, 0, 0}, 0, {false, false, false}},
-        {{{{}, {}, {}, {}}}, {0, 1, 1, 1}, -1, {true, true, true}},
-    };
     int* const modes[] = {&active_option_valid_subsystem, &active_option_ctrl_wide_identical,
                           &active_option_ctrl_vendor_wide_identical};
-    for (const auto& c : cases) {
-        for (std::size_t mode = 0; mode < 3; ++mode) {
+    for (test_case& c : cases("walks.txt")) {
+        std::istringstream results(c["passed"]);
+        for (int* mode : modes) {
             reset_run();
-            *modes[mode] = 1;
-            add_row({{"V", ""}, {"W", ""}});
-            std::vector<const hba_info*> ports;
-            for (std::size_t k = 0; k < 4; ++k) {
-                const char* serial = k < 2 ? "C" : "D";
-                if (k % 2 == 0) {
-                    add_port(serial, "0", "iSCSI", {});
-                }
-                ports.push_back(&add_port(serial, k % 2 == 0 ? "2" : "3", "FCoE", c.attached[k]));
-            }
-            Determine_Flash_Ports();
+            *mode = 1;
+            add_row("V=;W=");
+            const auto ports = add_controllers(c["vendors"]);
             option_input selection{};
             selection.vendor_id = 1;
             selection.device_id = 2;
             global_ctrl_flags flags;
             bool passed = false;
             output_of([&] { passed = OverallSubSystemCheck(&selection, &flags); });
-            EXPECT_EQ(
-                (std::array{flags.InvalidCtrlSubsystemCombinationFound,
-                            flags.MatchingCtrlModelInstalled, flags.CtrlSpecificSubsystemEquality,
-                            flags.CtrlVendorSpecificSubsystemEquality}),
-                c.flags);
-            EXPECT_EQ(flags.vendor_reference,
-                      c.reference < 0 ? nullptr : ports[static_cast<std::size_t>(c.reference)]);
-            EXPECT_EQ(passed, c.passed[mode]);
+            char text[32];
+            std::snprintf(text, sizeof text, "%d %d %d %d",
+                          flags.InvalidCtrlSubsystemCombinationFound,
+                          flags.MatchingCtrlModelInstalled, flags.CtrlSpecificSubsystemEquality,
+                          flags.CtrlVendorSpecificSubsystemEquality);
+            EXPECT_EQ(text, c["flags"]) << c["vendors"];
+            EXPECT_EQ(flags.vendor_reference, ports.at(c["reference"])) << c["vendors"];
+            bool result = false;
+            results >> result;
+            EXPECT_EQ(passed, result) << c["vendors"];
         }
     }
 }
@@ -192,9 +129,9 @@ TEST(CheckWalk, FlagsAndResultsByMode) {
 // FCoE 0/1 and 1/1 of one serial number link back to each other.
 TEST(CheckWalk, AChainThatLeadsBackEnds) {
     reset_run();
-    fc_config_file_entry** row = add_row({{"V", ""}});
-    hba_info& a = add_port("A", "0", "FCoE", {"V", "P"});
-    hba_info& b = add_port("A", "1", "FCoE", {"V", "P"});
+    fc_config_file_entry** row = add_row("V=");
+    hba_info& a = add_port("A", "0", "FCoE", "V");
+    hba_info& b = add_port("A", "1", "FCoE", "V");
     a.flash_port = &a;
     a.next_ctrl_port = &b;
     b.next_ctrl_port = &a;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <map>
 #include <set>
 
 #include "conditions/conditions_file.h"
@@ -29,57 +30,19 @@ string rows_text() {
             text += string("{") + storage->vendor + ":" + storage->product_list + ":" +
                     storage->third + "}";
         }
-        text += "\n";
+        text += ";";
     }
     return text;
 }
 
-const string ids = "V | M | 1A2B | 0C3D | 1 | 2 | dir | a | b | fw | bios | c | d";
-const string ids_row = "V/M/1a2b:c3d:1:2/dir,fw,bios";
-
-TEST(Conditions, LinesBecomeRows) {
-    const std::pair<string, string> cases[] = {
-        {"# only\n a # comment\n--+--\nx | --+--\n", ""},
-        {"||||", ""},
-        {"V | M", "V/M/0:0:0:0/,,\n"},
-        {"\n",
-         "/"
-         "/0:0:0:0/,,\n"},
-        {"||\n",
-         "/"
-         "/0:0:0:0/,,\n"},
-        {"  \nV|M\n",
-         "/"
-         "/0:0:0:0/,,\nV/M/0:0:0:0/,,\n"},
-        {ids, ids_row + "\n"},
-        {ids + " |\n", ids_row + "{::}\n"},
-        {ids + " | VENDA | A,B | x | VENDB", ids_row + "{VENDA:A,B:x}{VENDB::}\n"},
-        {ids + " | VENDA | | x | VENDB |", ids_row + "{VENDA::x}{VENDB::}\n"},
-        {ids + " | VENDA || x\n", ids_row + "{VENDA:x:}\n"},
-        {ids + " | VENDA | \"A B\"\t| x\r\n", ids_row + "{VENDA:A B:x\r}\n"},
-        {"V | M # no row\n" + ids + "\n", ids_row + "\n"},
-        {ids + "|" + string(1100 - ids.size(), ' ') + "\n", ids_row + "{::}\n//0:0:0:0/,,\n"},
-    };
-    for (const auto& [text, rows] : cases) {
-        EXPECT_EQ(read_text(text), RET_OK) << text;
-        EXPECT_EQ(rows_text(), rows) << text;
-        EXPECT_EQ(fc_config_entry_list == nullptr, rows.empty());
-    }
-}
-
-TEST(Conditions, BadColumnsEndTheRun) {
-    const std::pair<string, exit_status> cases[] = {
-        {"V | M | zz", RET_FATAL_ERROR},
-        {"V | M |\n", RET_FATAL_ERROR},
-        {"V | M | 1 | | 3 | 4\n", RET_FATAL_ERROR},
-        {"V | M | 1 | 2 | -3 | 4\n", RET_FATAL_ERROR},
-        {"V | M | 1 || 3 | 4 | dir\n", RET_FATAL_ERROR},
-        {"V | M | 0 | 0x2 | 0 | FFFF", RET_OK},
-        {"V | M | 0x19A2", RET_FATAL_ERROR},
-        {string(5000, 'x'), RET_FATAL_ERROR},
-    };
-    for (const auto& [text, status] : cases) {
-        EXPECT_EQ(read_text(text), status) << text;
+TEST(Conditions, LinesBecomeRowsOrEndTheRun) {
+    for (test_case& c : cases("tables.txt")) {
+        const exit_status status = read_text(c["table"]);
+        EXPECT_EQ(std::to_string(status), c.contains("status") ? c["status"] : "0") << c["table"];
+        if (!c.contains("status")) {
+            EXPECT_EQ(rows_text(), c["rows"]) << c["table"];
+            EXPECT_EQ(fc_config_entry_list == nullptr, c["rows"].empty());
+        }
     }
     EXPECT_EQ(Read_FC_Config_File("no/such/table"), RET_FC_HBA_CONDITIONS_MISSING);
     EXPECT_EQ(Read_FC_Config_File("."), RET_OK);
@@ -87,61 +50,36 @@ TEST(Conditions, BadColumnsEndTheRun) {
 
 // A column is refused where something is decided by it, and cut where it is only echoed.
 TEST(Conditions, LongColumnsAreRefusedOrCut) {
-    struct {
-        int column, room;
-        bool cut;
-    } const cases[] = {
-        {0, 19, false},  {1, 19, false},  {6, 19, false}, {7, 19, true},   {8, 19, true},
-        {9, 79, false},  {10, 79, false}, {11, 83, true}, {12, 19, true},  {13, 9, false},
-        {14, 19, false}, {15, 9, true},   {16, 9, false}, {17, 19, false}, {18, 9, true},
-    };
-    for (const auto& c : cases) {
-        for (const std::size_t length : {0, 1, 800, 5000}) {
-            string line;
-            for (int column = 0; column < 20; ++column) {
-                const bool is_id = column >= 2 && column <= 5;
-                line += column == c.column ? string(static_cast<std::size_t>(c.room) + length, 'x')
-                                           : string(is_id ? "1" : "v");
-                line += column < 19 ? " | " : "";
-            }
-            exit_status status = RET_OK;
-            const string out = output_of([&] { status = read_text("#\n" + line + "\n"); });
-            const bool in_pieces =
-                length == 5000;  // its next piece begins a row with a long vendor
-            const bool refused = in_pieces || (length > 0 && !c.cut);
-            EXPECT_EQ(status, refused ? RET_FATAL_ERROR : RET_OK) << c.column;
-            if (in_pieces) {
-                continue;
-            }
-            EXPECT_EQ(out, !refused
-                               ? ""
-                               : "\nError line 2: column " + std::to_string(c.column) +
-                                     " is longer than " + std::to_string(c.room) + " characters: " +
-                                     string(static_cast<std::size_t>(c.room) + length, 'x') + "\n");
-            if (!refused) {
-                // What stands around the long column holds what it held.
-                const fc_config_file_entry& row = **fc_config_entry_list;
-                EXPECT_EQ(row.vendor_id + row.subdevice_id, 2);
-                EXPECT_EQ(string(row.col12_text).substr(0, 1), c.column == 12 ? "x" : "v");
-                EXPECT_STREQ(row.periphery_list->next->next->vendor, "v");
-            }
+    const std::map<std::size_t, std::size_t> rooms{{0, 19}, {1, 19},  {6, 19}, {9, 79}, {10, 79},
+                                                   {13, 9}, {14, 19}, {16, 9}, {17, 19}};
+    const std::map<std::size_t, std::size_t> rooms_cut{{7, 19},  {8, 19}, {11, 83},
+                                                       {12, 19}, {15, 9}, {18, 9}};
+    const auto line_with = [](std::size_t column, std::size_t length) {
+        string line = "#\n";
+        for (std::size_t i = 0; i < 20; ++i) {
+            line += (i == column ? string(length, 'x') : i >= 2 && i <= 5 ? "1" : "v");
+            line += i < 19 ? " | " : "\n";
         }
+        return line;
+    };
+    for (const auto& [column, room] : rooms) {
+        EXPECT_EQ(read_text(line_with(column, room)), RET_OK) << column;
+        EXPECT_EQ(
+            output_of([&] { EXPECT_EQ(read_text(line_with(column, room + 1)), RET_FATAL_ERROR); }),
+            "\nError line 2: column " + std::to_string(column) + " is longer than " +
+                std::to_string(room) + " characters: " + string(room + 1, 'x') + "\n");
+        EXPECT_EQ(read_text(line_with(column, 5000)), RET_FATAL_ERROR);
     }
-}
-
-TEST(Conditions, ColumnsAreEchoedAsTheyAreStored) {
-    const string table = ids + " | VENDA | A1,B2 | x | VENDB\nV | M | 1 | zz";
-    reset_run();
-    VerboseLevel = 5;
-    const string echo = output_of([&] {
-        EXPECT_EQ(status_of([&] { return read_conditions(text_file(table)); }), RET_FATAL_ERROR);
-    });
-    EXPECT_EQ(echo,
-              "                  V |                M |   1A2B |   0C3D |      1 |      2 |"
-              "          dir |            a |            b |           fw |         bios |"
-              "            c |            d |        VENDA |              A1,B2 |            x"
-              "        VENDB |\n"
-              "                  V |                M |      1 |");
+    for (const auto& [column, room] : rooms_cut) {
+        // What stands around the long column holds what it held.
+        EXPECT_EQ(read_text(line_with(column, room + 800)), RET_OK) << column;
+        const fc_config_file_entry& row = **fc_config_entry_list;
+        EXPECT_EQ(row.vendor_id + row.subdevice_id, 2);
+        EXPECT_STREQ(row.firmware_file, "v");
+        EXPECT_STREQ(row.bios_file, "v");
+        EXPECT_EQ(row.col12_text, column == 12 ? string(room, 'x') : "v");
+        EXPECT_STREQ(row.periphery_list->next->next->vendor, "v");
+    }
 }
 
 // The table of the sample server says what its writer meant.

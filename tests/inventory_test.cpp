@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <map>
 #include <sstream>
 
 #include "frame/list.h"
@@ -128,9 +127,11 @@ void make_ports(const string& text) {
         hba_info& port = *get_new_hba_info_entry();
         std::istringstream parts(word);
         string type, serial, place;
-        parts >> type >> serial >> place;
+        std::getline(parts, type, ' ');
+        std::getline(parts, serial, ' ');
+        parts >> place;
         set_text(port.PortType, type);
-        set_text(port.SerialNo, serial == "-" ? "" : serial);
+        set_text(port.SerialNo, serial);
         set_text(port.PCIFunction, place.substr(0, place.find('/')));
         set_text(port.PortNumber, place.substr(place.find('/') + 1));
     }
@@ -141,71 +142,39 @@ string place_of(const hba_info* port) {
 }
 
 TEST(PortOrdering, PortsComeTogetherByController) {
-    const std::pair<string, string> cases[] = {
-        {"FCoE A 0, FCoE B 0, FCoE C 0, FCoE A 1", "FCoE A 0, FCoE A 1, FCoE C 0, FCoE B 0"},
-        {"iSCSI X 0, iSCSI X 1, FCoE Y 0, FCoE Y 1, iSCSI Z 0",
-         "FCoE Y 0, FCoE Y 1, iSCSI X 0, iSCSI X 1, iSCSI Z 0"},
-        {"iSCSI X 0, iSCSI Y 0, iSCSI Z 0, FCoE W 0", "FCoE W 0, iSCSI Y 0, iSCSI Z 0, iSCSI X 0"},
-        {"iSCSI X 0, FCoE Y 0, FCoE Z 0, iSCSI X 1, FCoE Y 1, FCoE Z 1",
-         "FCoE Z 0, FCoE Z 1, FCoE Y 0, FCoE Y 1, iSCSI X 0, iSCSI X 1"},
-        {"iSCSI Y 0, iSCSI X 0, FCoE X 1", "iSCSI X 0, FCoE X 1, iSCSI Y 0"},
-        {"FC F 0, FCoE A 1, FC F 1, FCX B 0, FCoE A 0", "FCoE A 0, FCoE A 1, FCX B 0"},
-        {"FC F 0, FC F 1", ""},
-        {"FCoE A 10, FCoE A 9, FCoE A x, FCoE A -1", "FCoE A -1, FCoE A x, FCoE A 9, FCoE A 10"},
-        {"NIC B 1, NIC A 0, NIC B 0", "NIC B 0, NIC B 1, NIC A 0"},
-        {"FCoE ABC 1, FCoE AB 0", "FCoE AB 0, FCoE ABC 1"},
-        {"FCoE AB 1, FCoE ABC 0", "FCoE AB 1, FCoE ABC 0"},
-        {"FCoE A 1, FCoE - 0", "FCoE - 0, FCoE A 1"},
-    };
-    for (const auto& [input, result] : cases) {
-        make_ports(input);
+    for (test_case& c : cases("orders.txt")) {
+        make_ports(c["ports"]);
         EXPECT_EQ(Classify_Ctrl_List(), 0);
         string text;
         for (const hba_info* port : entries(p_hba_info_list)) {
-            text += (text.empty() ? "" : ", ") + string(port->PortType) + " " +
-                    (port->SerialNo[0] == '\0' ? "-" : port->SerialNo) + " " + port->PCIFunction;
+            text += (text.empty() ? "" : ", ") + string(port->PortType) + " " + port->SerialNo +
+                    " " + port->PCIFunction;
         }
-        EXPECT_EQ(text, result) << input;
+        EXPECT_EQ(text, c["order"]) << c["ports"];
     }
 }
 
+string chain_of(const hba_info* flash_port) {
+    string chain;
+    for (const hba_info* member = flash_port; member != nullptr && member->next_ctrl_port;) {
+        member = member->next_ctrl_port;
+        chain.append(chain.empty() ? "" : " ");
+        if (member == flash_port) {
+            return chain + "=";
+        }
+        chain += place_of(member);
+    }
+    return chain;
+}
+
 TEST(FlashPorts, CandidatesAndChains) {
-    struct {
-        string ports, flash_port, chain;  // of all of them; behind the flash port, "=" for itself
-    } const cases[] = {
-        {"iSCSI A 0/0, iSCSI A 1/1, FCoE A 2/0, FCoE A 3/1", "0/0", " 2/0 3/1"},
-        {"iSCSI A 0/0, FCoE A 1/1", "0/0", " 1/1"},
-        {"iSCSI A 0/0, FCoE A 1/1, FCoE A 2/2, FCoE A 3/3", "0/0", " 1/1 3/3"},
-        {"FCoE A 0/0, FCoE A 1/1", "0/0", " 1/1"},
-        {"FCoE A 0/0, FCoE A 1/1, FCoE A 2/2", "0/0", " 1/1 2/2"},
-        {"FCoE A 0/0, FCoE A 1/1, FCoE A 2/2, FCoE A 3/3", "0/0", " 1/1 3/3"},
-        {"FCoE A 0/0", "0/0", " ="},
-        {"FCoE A 0/0, iSCSI A 1/1", "0/0", " ="},
-        {"iSCSI A 0/0, iSCSI A 1/1", "0/0", ""},
-        {"FCoE A 1/1, FCoE A 2/2", "1/1", " 2/2"},
-        {"FCoE A 1/1", "1/1", " ="},
-        {"FCoE A 1/0", "none", ""},
-        {"FCoE A 01/02, FCoE A 10/1", "01/02", " 10/1"},
-        {"FCoE n/a 0/0", "none", ""},
-        {"iSCSI AB 0/0, FCoE ABC 1/1", "0/0", " 1/1"},
-    };
-    for (const auto& c : cases) {
-        make_ports(c.ports);
+    for (test_case& c : cases("chains.txt")) {
+        make_ports(c["ports"]);
         EXPECT_EQ(Determine_Flash_Ports(), 0);
-        const hba_info* flash_port = p_hba_info_list[0]->flash_port;
         for (const hba_info* port : entries(p_hba_info_list)) {
-            EXPECT_EQ(place_of(port->flash_port), c.flash_port) << c.ports;
+            EXPECT_EQ(place_of(port->flash_port), c["flash"]) << c["ports"];
         }
-        string chain;
-        for (const hba_info* member = flash_port; flash_port != nullptr;) {
-            member = member->next_ctrl_port;
-            if (member == nullptr || member == flash_port) {
-                chain += member == nullptr ? "" : " =";
-                break;
-            }
-            chain.append(" ").append(place_of(member));
-        }
-        EXPECT_EQ(chain, c.chain) << c.ports;
+        EXPECT_EQ(chain_of(p_hba_info_list[0]->flash_port), c["chain"]) << c["ports"];
     }
     make_ports("FCoE AB 1/1, iSCSI ABC 0/0");
     Determine_Flash_Ports();
@@ -215,75 +184,17 @@ TEST(FlashPorts, CandidatesAndChains) {
 
 // --- hostile values -----------------------------------------------------------------------
 
-struct key_width {
-    const char* key;
-    std::size_t width;
-};
-
-const std::vector<key_width> listing_keys{
-    {"Node WWN", 24},  {"Fabric Name", 24},   {"Current MAC", 18}, {"Flags", 10},
-    {"Host Name", 64}, {"Mfg", 64},           {"Serial No", 24},   {"Port Number", 6},
-    {"Mode", 16},      {"PCI Bus Number", 4}, {"PCI Function", 4}, {"Port Type", 16},
-    {"Model", 64}};
-
-const std::vector<key_width> attribute_keys{{"Host Name", 64},
-                                            {"Manufacturer", 64},
-                                            {"Serial Number", 24},
-                                            {"Model Desc", 256},
-                                            {"Model", 64},
-                                            {"Node WWN", 24},
-                                            {"Node Symname", 256},
-                                            {"HW Version", 16},
-                                            {"FW Version", 16},
-                                            {"Vendor Spec ID", 5},
-                                            {"Number of Ports", 4},
-                                            {"Driver Name", 32},
-                                            {"Device ID", 5},
-                                            {"HBA Type", 64},
-                                            {"Operational FW", 16},
-                                            {"IEEE Address", 18},
-                                            {"PXE Boot", 10},
-                                            {"Driver Version", 16},
-                                            {"Board Temperature", 16},
-                                            {"Function Type", 16},
-                                            {"Sub Device ID", 5},
-                                            {"Port Number", 16},
-                                            {"PCI Bus Number", 5},
-                                            {"PCI Func Number", 5},
-                                            {"Sub Vendor ID", 5},
-                                            {"Firmware Status", 16},
-                                            {"Service Processor FW Name", 16},
-                                            {"ULP FW Name", 16},
-                                            {"IPL Filename", 16},
-                                            {"NCSI Version", 16},
-                                            {"Start-up Boot Code Version", 16},
-                                            {"FCoE Universal Version", 16},
-                                            {"FCoE x86 BIOS Version", 16},
-                                            {"FCoE EFI Version", 16},
-                                            {"FCoE FCODE Version", 16},
-                                            {"UEFI BIOS Version", 16},
-                                            {"UEFI NIC Version", 16},
-                                            {"UEFI FCODE Version", 16},
-                                            {"UEFI iSCSI Version", 16},
-                                            {"PCI Express Link Speed", 16},
-                                            {"PCI Express Bus Width", 10}};
-
-const std::vector<key_width> mapping_keys{
-    {"FCP LUN", 24},   {"SCSI OS Lun", 5},    {"Lun Device Name", 128},
-    {"Vendor ID", 64}, {"Product ID", 64},    {"Product Version", 16},
-    {"Type", 5},       {"SCSI Capacity", 12}, {"Block Size", 12}};
-
 // Reads all keys with the value "v" and then one with 5,000 characters: of the whole record
 // only the characters of that field may change, and its terminator not.
 template <typename Record>
-void expect_kept(const std::vector<key_width>& keys, const string& head,
-                 const std::function<Record(const string&)>& read) {
-    string block = head;
-    for (const key_width& other : keys) {
-        block += string(other.key) + " : v\n";
+void expect_kept(test_case keys, const std::function<Record(const string&)>& read) {
+    string block = keys.extract("head").mapped();
+    for (const auto& [key, width] : keys) {
+        block += key + " : v\n";
     }
     const Record before = read(block);
-    for (const auto& [key, width] : keys) {
+    for (const auto& [key, width_text] : keys) {
+        const std::size_t width = std::stoul(width_text);
         const Record after = read(block + key + " : " + string(5000, 'x') + "\n");
         const auto* a = reinterpret_cast<const char*>(&before);
         const auto* b = reinterpret_cast<const char*>(&after);
@@ -296,15 +207,15 @@ void expect_kept(const std::vector<key_width>& keys, const string& head,
 
 TEST(LongValues, StayInTheirField) {
     reset_run();
-    expect_kept<hba_info>(listing_keys, "Port WWN : w\n", [](const string& text) {
+    const std::vector<test_case> keys = cases("keys.txt");
+    expect_kept<hba_info>(keys.at(0), [](const string& text) {
         release_port_records();
         EXPECT_EQ(read_port_list(text_file(text)), RET_OK);
         return *p_hba_info_list[0];
     });
     expect_kept<hba_attributes_entry>(
-        attribute_keys, "HBA Attributes for\n",
-        [](const string& text) { return *read_attributes(text).attributes; });
-    expect_kept<target_mapping_entry>(mapping_keys, "\n\n\n\n", [](const string& text) {
+        keys.at(1), [](const string& text) { return *read_attributes(text).attributes; });
+    expect_kept<target_mapping_entry>(keys.at(2), [](const string& text) {
         hba_info port{};
         EXPECT_EQ(read_target_mapping(text_file(text), port), RET_OK);
         return *port.target_mapping;

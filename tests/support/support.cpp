@@ -11,6 +11,26 @@
 
 namespace fs = std::filesystem;
 
+namespace {
+
+const char variables[] =
+    "export C1=F1A0:4201:F1A0:0011 C2=F1A0:4201:F2B0:0012 C3=F1A0:8402:F1A0:0021 "
+    "C4=F1A0:8402:F2B0:0022 T=opt/emulex/ocmanager/bin REAL_TOOL=" REAL_TOOL "\n";
+
+std::string unescaped(const std::string& text) {
+    const std::map<char, char> meanings{
+        {'n', '\n'}, {'t', '\t'}, {'r', '\r'}, {'0', '\0'}, {'\\', '\\'}};
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool escape =
+            text[i] == '\\' && i + 1 < text.size() && meanings.contains(text[i + 1]);
+        result += escape ? meanings.at(text[++i]) : text[i];
+    }
+    return result;
+}
+
+}  // namespace
+
 long allocations_left = -1;
 
 void* operator new(std::size_t size) {
@@ -53,6 +73,24 @@ std::string golden(std::string_view name) {
     return read_file(fs::path(SOURCE_DIRECTORY) / "tests/golden" / name);
 }
 
+std::vector<test_case> cases(std::string_view name) {
+    std::vector<test_case> all(1);
+    std::ifstream file(fs::path(SOURCE_DIRECTORY) / "tests/cases" / name);
+    for (std::string line; std::getline(file, line);) {
+        const std::size_t colon = line.find(": ");
+        if (line.empty() && !all.back().empty()) {
+            all.emplace_back();
+        } else if (!line.starts_with('#') && colon != std::string::npos) {
+            all.back()[line.substr(0, colon)] = unescaped(line.substr(colon + 2));
+        }
+    }
+    if (all.back().empty()) {
+        all.pop_back();
+    }
+    EXPECT_FALSE(all.empty()) << name;
+    return all;
+}
+
 scratch::scratch() {
     std::string name = (fs::temp_directory_path() / "cnatool.XXXXXX").string();
     path = mkdtemp(name.data());
@@ -71,7 +109,7 @@ server::server() {
 
 run_result server::run(const std::string& command) const {
     const scratch outputs;
-    const std::string line = "cd '" + path.string() + "' && (" + command + ") >'" +
+    const std::string line = "cd '" + path.string() + "' && (" + variables + command + "\n) >'" +
                              (outputs.path / "out").string() + "' 2>'" +
                              (outputs.path / "err").string() + "'";
     const int status = std::system(line.c_str());
@@ -83,10 +121,6 @@ std::string server::calls() const {
     std::string text = read_file(stand_in() / "calls.log");
     fs::remove(stand_in() / "calls.log");
     return text;
-}
-
-void server::set_faults(std::string_view lines) const {
-    write_file(stand_in() / "answers/faults.txt", lines);
 }
 
 fs::path server::stand_in() const { return path / "opt/emulex/ocmanager/bin"; }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,13 @@ void write_file(const std::filesystem::path& path, std::string_view text);
 /// A text of the folder of expected texts.
 std::string golden(std::string_view name);
 
+/// A case of a table: what stands behind "key: ", with \\n, \\t, \\r and \\\\ resolved; a missing
+/// key is empty.
+using test_case = std::map<std::string, std::string>;
+
+/// The cases of a file of the folder of tables: lines "key: value", a blank line between cases.
+std::vector<test_case> cases(std::string_view name);
+
 /// A directory of its own, gone with its owner.
 struct scratch {
     std::filesystem::path path;
@@ -42,11 +50,10 @@ struct run_result {
 /// stand-in for the management tool below ./opt.
 struct server : scratch {
     server();
-    /// Runs a shell command line in the server's directory, "./cnatool ..." for one.
+    /// Runs a shell command line in the server's directory, "./cnatool ..." for one. It has C1 to
+    /// C4, the identifiers of the controllers, and T, the folder of the stand-in.
     [[nodiscard]] run_result run(const std::string& command) const;
     /// The calls that reached the stand-in since the last time, one a line.
     [[nodiscard]] std::string calls() const;
-    /// Replaces all faults of the stand-in.
-    void set_faults(std::string_view lines) const;
     [[nodiscard]] std::filesystem::path stand_in() const;
 };
