@@ -1,0 +1,58 @@
+#!/bin/bash
+#
+# test-pages.sh BUILD_DIR - the manual page is clean, the manual page and README.md name the exit
+# statuses of the program, and the manual page and the program know the options that the
+# completion offers
+
+set -u
+
+if [ $# -ne 1 ] || ! [ -x "$1/cnatool" ]; then
+    echo 'usage: test-pages.sh BUILD_DIR (which holds the built cnatool)' >&2
+    exit 2
+fi
+tool=$1/cnatool
+source_directory=$(dirname -- "$0")/..
+page=$source_directory/docs/cnatool.8
+failures=0
+
+fail() {
+    printf '%s\n' "$*"
+    failures=$((failures + 1))
+}
+
+# Each gives lines of a number and a name. 51 has no name and is on no list of the program.
+statuses_of_program() {
+    "$tool" --show-return-codes | awk '$1 ~ /^RET_/ { print $2, $1 }'
+}
+statuses_of_page() {
+    awk '/^\.Sh / { inside = ($0 == ".Sh EXIT STATUS") }
+         inside && /^\.It [0-9]/ && $2 != 51 { print $2, $4 }' "$page"
+}
+statuses_of_readme() {
+    awk -F '[|` ]+' '/^\| *[0-9]+ *\| *`RET_/ { print $2, $3 }' "$source_directory/README.md"
+}
+
+mandoc -T lint -W style "$page" || fail "$page is not clean"
+
+listed=$(statuses_of_program)
+[ -n "$listed" ] || fail 'the program lists no status'
+for place in page readme; do
+    difference=$(diff <(echo "$listed") <("statuses_of_$place")) ||
+        fail "the statuses of the program (<) and of the $place (>) differ:" "$difference"
+done
+
+# shellcheck source=/dev/null
+source "$source_directory/packaging/completion/cnatool"
+COMP_WORDS=(cnatool '')
+COMP_CWORD=1
+_cnatool
+[ "${#COMPREPLY[@]}" -gt 0 ] || fail 'the completion offers nothing'
+described=$(awk '/^\.It Fl/ { for (i = 3; i <= NF; ++i) print $i }' "$page" | sed 's/^\\&//')
+for option in "${COMPREPLY[@]}"; do
+    grep -qxF -e "${option#-}" <<< "$described" || fail "the page does not describe $option"
+    # The help behind it ends the call, whether it is taken or refused as a value.
+    ! "$tool" "$option" --help | grep -qF 'Invalid argument' || fail "no option: $option"
+done
+
+[ "$failures" -eq 0 ] || exit 1
+echo 'Pages, program and completion agree.'
