@@ -1,5 +1,6 @@
 #include "frame/program_run.h"
 
+#include <algorithm>
 #include <new>
 #include <optional>
 
@@ -85,12 +86,10 @@ exit_status collect_inventory() {
 }
 
 bool every_port_has_flash_port() {
-    for (const hba_info* port : entries(p_hba_info_list)) {
-        if (has_serial_number(*port) && port->flash_port == nullptr) {
-            return false;
-        }
-    }
-    return true;
+    const auto ports = entries(p_hba_info_list);
+    return std::all_of(ports.begin(), ports.end(), [](const hba_info* port) {
+        return !has_serial_number(*port) || port->flash_port != nullptr;
+    });
 }
 
 void list_port(const hba_info& port) {
@@ -191,7 +190,7 @@ exit_status check_and_flash(global_ctrl_flags& flags) {
     return final_status(flags);
 }
 
-exit_status main_sequence(const char* called_as) {
+exit_status main_sequence(const char* called_as, global_ctrl_flags& flags) {
     apply_default_check();
     settle_temporary_directory();
     if (!settle_paths(called_as)) {
@@ -204,7 +203,6 @@ exit_status main_sequence(const char* called_as) {
     }
     echo_conditions();
 
-    global_ctrl_flags flags;
     if (const exit_status status = collect_inventory()) {
         return status;
     }
@@ -229,7 +227,8 @@ exit_status program_run(int argc, char** argv) {
         if (const auto ended = read_command_line(argc, argv)) {
             return *ended;
         }
-        return main_sequence(argc > 0 ? argv[0] : "");
+        global_ctrl_flags flags;
+        return main_sequence(argc > 0 ? argv[0] : "", flags);
     } catch (const std::bad_alloc&) {
         print_out_of_memory();
         return RET_MEMALLOC_FAIL;

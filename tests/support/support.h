@@ -24,7 +24,7 @@ void write_file(const std::filesystem::path& path, std::string_view text);
 /// A text of the folder of expected texts.
 std::string golden(std::string_view name);
 
-/// A case of a table: what stands behind "key: ", with \\n, \\t, \\r and \\\\ resolved; a missing
+/// A case of a table: what stands behind "key: ", with \n, \t, \r and \\ resolved; a missing
 /// key is empty.
 using test_case = std::map<std::string, std::string>;
 
