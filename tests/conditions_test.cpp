@@ -64,10 +64,10 @@ TEST(Conditions, LongColumnsAreRefusedOrCut) {
     };
     for (const auto& [column, room] : rooms) {
         EXPECT_EQ(read_text(line_with(column, room)), RET_OK) << column;
-        EXPECT_EQ(
-            output_of([&] { EXPECT_EQ(read_text(line_with(column, room + 1)), RET_FATAL_ERROR); }),
-            "\nError line 2: column " + std::to_string(column) + " is longer than " +
-                std::to_string(room) + " characters: " + string(room + 1, 'x') + "\n");
+        const string line = line_with(column, room + 1);
+        EXPECT_EQ(output_of([&] { EXPECT_EQ(read_text(line), RET_FATAL_ERROR); }),
+                  "\nError line 2: column " + std::to_string(column) + " is longer than " +
+                      std::to_string(room) + " characters: " + string(room + 1, 'x') + "\n");
         EXPECT_EQ(read_text(line_with(column, 5000)), RET_FATAL_ERROR);
     }
     for (const auto& [column, room] : rooms_cut) {

@@ -245,13 +245,25 @@ TEST(Run, HostileValuesReachNoShell) {
     }
 }
 
-TEST(Run, NamesThatLeaveTheirDirectoryAreRefused) {
+// Serial numbers that would name another file, and an address that would name the image.
+TEST(Run, ValuesThatLeadElsewhereAreRefused) {
+    for (const string serial : {"../outside", "M/fw", "FC_HBA_Conditions.txt x"}) {
+        const server host;
+        lay_out_one_port(host, serial, "0", "iSCSI", "MAC", "M");
+        fs::create_directory(host.path / "M");
+        const string table = read_file(host.path / "FC_HBA_Conditions.txt");
+        EXPECT_EQ(host.run("./cnatool -pci-id 1:2").status, 55) << serial;
+        EXPECT_EQ(read_file(host.path / "FC_HBA_Conditions.txt"), table);
+        EXPECT_EQ(host.calls(), "listhbas\n");
+    }
     const server host;
-    fs::create_directory(host.path / "inner");
-    lay_out_one_port(host, "../outside", "0", "iSCSI", "MAC", "M");
-    fs::rename(host.path / "FC_HBA_Conditions.txt", host.path / "inner/FC_HBA_Conditions.txt");
-    EXPECT_EQ(host.run("./cnatool --conpath inner -pci-id 1:2").status, 55);
-    EXPECT_FALSE(fs::exists(host.path / "outside_0_hba_attributes.out"));
+    lay_out_one_port(host, "SN", "0", "iSCSI", "MAC fw.bin", "M");
+    write_file(host.path / "fw.bin", "image");
+    const run_result result = host.run(
+        "printf 'Port WWN : MAC\\nSerial No : SN\\nPCI Function : 2\\nPort Type : FCoE\\n' "
+        ">> $T/answers/listhbas.txt; ./cnatool --flash -pci-id 1:2");
+    EXPECT_EQ(result.status, 10) << result.out;
+    EXPECT_EQ(lines_with("download", host.calls()), "");
 }
 
 // --- the debug log ------------------------------------------------------------------------

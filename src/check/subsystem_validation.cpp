@@ -103,20 +103,22 @@ std::optional<string_view> cut_last_member(string_view& list) {
 }
 
 bool is_member(string_view group, string_view reference, empty_member rule) {
-    string_view rest = group;
-    bool found = false;
-    while (!found) {
-        const auto member = cut_last_member(rest);
-        if (!member || (member->empty() && rule == empty_member::ends_the_walk)) {
-            found = rest == reference;
+    while (const auto member = cut_last_member(group)) {
+        if (member->empty() && rule == empty_member::ends_the_walk) {
             break;
         }
-        found = !member->empty() && *member == reference;
+        if (!member->empty() && *member == reference) {
+            return true;
+        }
     }
+    return group == reference;
+}
+
+bool find_reference(const char* group, string_view reference, empty_member rule) {
+    const bool found = is_member(group, reference, rule);
     if (found) {
-        Print(1, "\tReference subsystem %.*s found in Group: %.*s\n",
-              static_cast<int>(reference.size()), reference.data(), static_cast<int>(group.size()),
-              group.data());
+        Print(1, "\tReference subsystem %.*s found in Group: %s\n",
+              static_cast<int>(reference.size()), reference.data(), group);
     }
     return found;
 }
@@ -129,11 +131,11 @@ bool CheckModelGroupConsistency(const char* group, const char* references) {
     string_view rest = references;
     for (auto reference = cut_last_member(rest); reference && !reference->empty();
          reference = cut_last_member(rest)) {
-        if (is_member(group, *reference, empty_member::ends_the_walk)) {
+        if (find_reference(group, *reference, empty_member::ends_the_walk)) {
             return true;
         }
     }
-    if (is_member(group, rest, empty_member::is_passed_over)) {
+    if (find_reference(group, rest, empty_member::is_passed_over)) {
         return true;
     }
     Print(1, "\tReference subsystem '%.*s' not in Group: >%s< => Skip this group.\n",

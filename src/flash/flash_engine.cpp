@@ -52,17 +52,14 @@ bool exists(const char* path) {
     return stat(path, &status) == 0;
 }
 
-void print_port(const hba_info& port) {
+void print_heading(const hba_info& port) {
     Print(1, "\tInstalled controller-device:\n");
-    Print(1,
-          "\t\tVendor: %s, Model: %s SerialNumber: %s PortType: %s PortNumber: %s "
-          "PortFunction: %s\n",
-          port.Mfg, port.Model, port.SerialNo, port.PortType, port.PortNumber, port.PCIFunction);
+    print_flash_port_line(port);
 }
 
 exit_status skip_port(hba_info& port) {
     Print(1, "\t%s\n", dash_ruler);
-    print_port(port);
+    print_heading(port);
     Print(1, "\t\tPort index: %d Firmware already flashed => SKIP.\n\n", port.port_index);
     port.flash_done = true;
     return RET_OK;
@@ -71,6 +68,8 @@ exit_status skip_port(hba_info& port) {
 void print_missing_directory(const char* directory) {
     Print(1, "\t\tFirmware directory is not available: %s\n\n", directory);
 }
+
+bool is_base(const flash_job& job) { return std::string_view(job.directory) == pHBAFirmwarePath; }
 
 std::string_view directory_name(const flash_job& job) {
     return job.row.firmware_dir[0] != '\0' ? job.row.firmware_dir : job.port.Model;
@@ -92,19 +91,33 @@ exit_status compose_directory(flash_job& job) {
 
 // The base directory has its slash.
 exit_status close_directory_with_slash(flash_job& job) {
-    if (std::string_view(job.directory) != pHBAFirmwarePath && !append_text(job.directory, "/")) {
+    if (!is_base(job) && !append_text(job.directory, "/")) {
         print_too_long(job.directory);
         return RET_FLASH_ERROR;
     }
     return RET_OK;
 }
 
+tool_command compose_download(const flash_job& job, const char* image) {
+    const char* address = job.port.flash_port->PermanentMAC;
+    tool_command command =
+        compose_command("\n\t\t%s %s %s %s >> %s/FWtrace.out\n",
+                        {pHBAFlashCmdPath, "download", address, image, job.directory});
+    // The row's directory is the administrator's word, the model's name the device's.
+    const bool named_by_model = job.row.firmware_dir[0] == '\0' && !is_base(job);
+    // Behind a blank the address would name the image.
+    command.unsafe = command.unsafe || (named_by_model && leaves_directory(job.port.Model)) ||
+                     std::string_view(address).find(' ') != std::string_view::npos;
+    return command;
+}
+
+// A command that would be refused is refused here: behind it nothing has been flashed yet.
 exit_status look_up(const flash_job& job, const image_kind& kind) {
     char image[image_path_width] = "";
     const char* pattern = job.row.*kind.pattern;
     if (FindFlashImage(job.directory, image, pattern) == RET_OK) {
         Print(1, "\t\tFound BIOS- or firmware-image: %s '%s'\n", image, pattern);
-        return RET_OK;
+        return is_refused(compose_download(job, image)) ? RET_FLASH_ERROR : RET_OK;
     }
     if (!exists(job.directory)) {
         Print(1, "Error: Firmware directory is not available: %s\n\n", job.directory);
@@ -135,16 +148,6 @@ exit_status look_up_images(flash_job& job) {
     return status;
 }
 
-tool_command compose_download(const flash_job& job, const char* image) {
-    tool_command command = compose_command(
-        "\n\t\t%s %s %s %s >> %s/FWtrace.out\n",
-        {pHBAFlashCmdPath, "download", job.port.flash_port->PermanentMAC, image, job.directory});
-    // The row's directory is the administrator's word, the model's name the device's.
-    const bool named_by_model = job.row.firmware_dir[0] == '\0';
-    command.unsafe = command.unsafe || (named_by_model && leaves_directory(job.port.Model));
-    return command;
-}
-
 exit_status flash_image(const flash_job& job, const image_kind& kind) {
     char image[image_path_width] = "";
     if (FindFlashImage(job.directory, image, job.row.*kind.pattern) != RET_OK) {
@@ -170,12 +173,19 @@ exit_status flash_image(const flash_job& job, const image_kind& kind) {
 
 }  // namespace
 
+void print_flash_port_line(const hba_info& port) {
+    Print(1,
+          "\t\tVendor: %s, Model: %s SerialNumber: %s PortType: %s PortNumber: %s "
+          "PortFunction: %s\n",
+          port.Mfg, port.Model, port.SerialNo, port.PortType, port.PortNumber, port.PCIFunction);
+}
+
 exit_status FlashBladeEngine(hba_info* port, fc_config_file_entry** row, global_ctrl_flags* flags) {
     flags->MatchingCtrlModelInstalled = 1;
     if (port->flash_port->flash_done) {
         return skip_port(*port);
     }
-    print_port(*port);
+    print_heading(*port);
     Print(1, "\t\tPort index: %d.\n\n", port->port_index);
     if (!exists(pHBAFirmwarePath)) {
         print_missing_directory(pHBAFirmwarePath);

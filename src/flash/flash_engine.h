@@ -5,6 +5,9 @@
 #include "frame/run_flags.h"
 #include "inventory/port_records.h"
 
+/// Prints at level 1 what port is meant, as all messages of a flash show it.
+void print_flash_port_line(const hba_info& port);
+
 /// Flashes the images of the row in this slot of fc_config_entry_list onto the controller of
 /// the port, through its flash_port (which must not be null): the firmware, then the BIOS where
 /// the row names one. Both are looked up before anything is flashed; a flash port that is done

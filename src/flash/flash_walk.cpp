@@ -10,10 +10,7 @@ namespace {
 void print_skipped_port(const hba_info& port) {
     Print(1, "System:\n");
     Print(1, "\tFound an adequate installed controller-device:\n");
-    Print(1,
-          "\t\tVendor: %s, Model: %s SerialNumber: %s PortType: %s PortNumber: %s "
-          "PortFunction: %s\n",
-          port.Mfg, port.Model, port.SerialNo, port.PortType, port.PortNumber, port.PCIFunction);
+    print_flash_port_line(port);
     Print(1, "\t\tPort index: %d; Ignore this port due to missing serial number  => SKIP.\n",
           port.port_index);
 }

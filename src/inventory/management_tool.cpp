@@ -65,19 +65,23 @@ bool leaves_directory(std::string_view name) {
     return false;
 }
 
-std::optional<int> run_command(const tool_command& command) {
+bool is_refused(const tool_command& command) {
     if (command.line.size() >= command_width) {
         print_too_long(command.line.c_str());
-        return std::nullopt;
+        return true;
     }
-    if (active_option_simulate != 0) {
-        return 0;
-    }
-    if (command.unsafe) {
+    if (command.unsafe && active_option_simulate == 0) {
         Print(1, "Error: Unsafe character in command: %s\n", command.line.c_str());
+        return true;
+    }
+    return false;
+}
+
+std::optional<int> run_command(const tool_command& command) {
+    if (is_refused(command)) {
         return std::nullopt;
     }
-    return std::system(command.line.c_str());
+    return active_option_simulate != 0 ? 0 : std::system(command.line.c_str());
 }
 
 void print_too_long(const char* text) {

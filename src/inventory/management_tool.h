@@ -27,9 +27,13 @@ tool_command compose_command(std::string_view format,
 /// Whether `name`, read from a device, holds a ".." by which a path would leave its directory.
 bool leaves_directory(std::string_view name);
 
+/// Whether the command may not be run: it is too long, or unsafe and not simulated. That is
+/// said at level 1.
+bool is_refused(const tool_command& command);
+
 /// Runs the command through the shell and waits for its end; under --simulate nothing is run
 /// and the status is 0. Gives the status as `system` does, not decoded, or nothing when the
-/// command was refused: it is unsafe or too long, which is said at level 1.
+/// command was refused.
 std::optional<int> run_command(const tool_command& command);
 
 /// Says at level 1 that a command or file name is too long to be used.

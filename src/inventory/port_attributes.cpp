@@ -70,9 +70,7 @@ constexpr port_query attribute_query{
 
 // FC and FCoE ports are known by their WWN, all others by their MAC address.
 const char* port_identifier(const hba_info& port) {
-    const bool by_wwn =
-        std::string_view(port.PortType).starts_with("FCoE") || is_of_type(port, "FC");
-    return by_wwn ? port.PortWWN : port.PermanentMAC;
+    return is_fc_or_fcoe(port) ? port.PortWWN : port.PermanentMAC;
 }
 
 // What can become of a line, in the order of the tests:
@@ -80,7 +78,8 @@ const char* port_identifier(const hba_info& port) {
 //   - the head line: a new entry for the port, which the lines behind it fill
 //   - a key ahead of the head line: passed over
 //   - a key and a colon: the value fills the field and the number; then the field is echoed
-//   - a key without a colon: the field is echoed as it is
+//     where the key has an echo
+//   - a key without a colon: the field is echoed as it is, likewise
 exit_status read_line(char* line, hba_info& port, const char* identifier) {
     const key_row<entry>* row = find_key(attribute_keys, line);
     if (row == nullptr) {

@@ -6,13 +6,26 @@
 #include "frame/paths.h"
 #include "inventory/management_tool.h"
 
+namespace {
+
+// Serial number and function become the name of a file that the shell opens for writing. Behind a
+// blank it would open the file of another name, behind a slash one in another directory: the
+// table or an image, say. Only the slash of "n/a" is known, and leads to no file.
+bool names_a_file(const hba_info& port) {
+    const std::string name = std::string(port.SerialNo) + port.PCIFunction;
+    const bool leads_away =
+        has_serial_number(port) ? name.find('/') != std::string::npos : leaves_directory(name);
+    return !leads_away && name.find(' ') == std::string::npos;
+}
+
+}  // namespace
+
 exit_status ask_about_port(const port_query& query, const hba_info& port, const char* identifier,
                            const char* shown, input_file& file) {
     tool_command command = compose_command(
         query.command_format, {pHBAFlashCmdPath, query.word, identifier, pHBAWorkingPath,
                                port.SerialNo, port.PCIFunction, query.file_name});
-    // The serial number becomes part of a file name that the shell opens for writing.
-    command.unsafe = command.unsafe || leaves_directory(port.SerialNo);
+    command.unsafe = command.unsafe || !names_a_file(port);
     Print(6, "%s", command.line.c_str());
     const std::optional<int> status = run_command(command);
     if (!status) {

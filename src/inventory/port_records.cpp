@@ -31,6 +31,10 @@ bool is_of_type(const hba_info& port, const char* type) {
     return std::string_view(port.PortType) == type;
 }
 
+bool is_fc_or_fcoe(const hba_info& port) {
+    return std::string_view(port.PortType).starts_with("FCoE") || is_of_type(port, "FC");
+}
+
 bool has_serial_number(const hba_info& port) {
     return !std::string_view(port.SerialNo).starts_with("n/a");
 }

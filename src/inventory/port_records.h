@@ -68,7 +68,7 @@ struct target_mapping_entry {
 };
 
 /// One port as the management tool lists it. A record is opened by its WWN or by its MAC
-/// address, so it has one of PortWWN and PermanentMAC and the other stays empty.
+/// address, so it has at most one of PortWWN and PermanentMAC.
 struct hba_info {
     char PortWWN[24];
     char NodeWWN[24];
@@ -107,6 +107,10 @@ target_mapping_entry* get_new_target_mapping_entry();
 
 /// Whether the port is of exactly this type.
 bool is_of_type(const hba_info& port, const char* type);
+
+/// Whether the port is a Fibre Channel port of either kind: of type "FC", or one that begins
+/// "FCoE".
+bool is_fc_or_fcoe(const hba_info& port);
 
 /// Whether the port has a serial number; an empty one counts as one.
 bool has_serial_number(const hba_info& port);

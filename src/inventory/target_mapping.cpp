@@ -1,7 +1,6 @@
 #include "inventory/target_mapping.h"
 
 #include <cstring>
-#include <string_view>
 
 #include "frame/list.h"
 #include "frame/output.h"
@@ -92,7 +91,7 @@ exit_status read_target_mapping(const input_file& file, hba_info& port) {
 
 exit_status collect_target_mappings() {
     for (hba_info* port : entries(p_hba_info_list)) {
-        if (!std::string_view(port->PortType).starts_with("FCoE") && !is_of_type(*port, "FC")) {
+        if (!is_fc_or_fcoe(*port)) {
             continue;
         }
         if (const exit_status status = collect_mapping_of(*port)) {
