@@ -20,62 +20,30 @@ using std::string;
 // --- output and text ----------------------------------------------------------------------
 
 TEST(Output, SwitchesDecideWhereAMessageGoes) {
-    struct {
-        int debug, verbose, screen, level;
-        bool stream_given;
-        int result;
-        const char *on_stdout, *on_stderr;
-    } const cases[] = {
-        {0, 1, 1, 1, false, 1, "text", ""}, {0, 1, 1, 2, false, 0, "", ""},
-        {0, 0, 1, 1, false, 0, "", ""},     {6, 6, 0, 1, false, 0, "", ""},
-        {3, 0, 1, 3, false, 1, "", "text"}, {3, 0, 1, 4, false, 0, "", ""},
-        {0, 2, 1, 2, true, 1, "text", ""},  {2, 0, 0, 2, true, 1, "", "text"},
-    };
-    for (const auto& c : cases) {
-        DebugLevel = c.debug;
-        VerboseLevel = c.verbose;
-        PrintDebugOnScreen = c.screen;
+    for (test_case& c : cases("switches.txt")) {
+        std::istringstream(c["switches"]) >> DebugLevel >> VerboseLevel >> PrintDebugOnScreen;
         testing::internal::CaptureStderr();
         int result = 0;
-        const string out = output_of(
-            [&] { result = PrintDebug(c.level, "text", c.stream_given ? stderr : nullptr); });
-        EXPECT_EQ(result, c.result);
-        EXPECT_EQ(out, c.on_stdout);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.on_stderr);
+        const string out = output_of([&] {
+            result =
+                PrintDebug(std::stoi(c["level"]), "text", c["stream"] == "1" ? stderr : nullptr);
+        });
+        const string err = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(std::to_string(result) + " " + (out.empty() ? "-" : out) + " " +
+                      (err.empty() ? "-" : err),
+                  c["result"])
+            << c["switches"];
     }
     reset_run();
     EXPECT_EQ(output_of([] { Print(1, "%s", string(5000, 'x').c_str()); }), string(4095, 'x'));
 }
 
 TEST(Text, NumbersAreReadWholeOrNotAtAll) {
-    struct {
-        const char* text;
-        int base, result;
-        const char* left;
-    } const cases[] = {
-        {"", 10, -1, ""},
-        {" \n \n", 16, -1, ""},
-        {"12 \n", 10, 12, "12"},
-        {"  12", 10, 12, "  12"},
-        {"12\r", 10, -1, "12\r"},
-        {"12\t", 10, -1, "12\t"},
-        {"-12", 10, -12, "-12"},
-        {"-", 16, 0, "-"},
-        {"-xyz", 16, -1, "-xyz"},
-        {"+7", 10, 7, "+7"},
-        {"19A2", 10, -1, "19A2"},
-        {"19A2", 16, 0x19a2, "19A2"},
-        {"0x19A2", 16, 0x19a2, "0x19A2"},
-        {"7FFFFFFF", 16, 0x7fffffff, "7FFFFFFF"},
-        {"80000000", 16, -0x7fffffff - 1, "80000000"},
-        {"-80000000", 16, -0x7fffffff - 1, "-80000000"},
-        {"100000000", 16, 0, "100000000"},
-    };
-    for (const auto& c : cases) {
+    for (test_case& c : cases("numbers.txt")) {
         char text[64];
-        set_text(text, c.text);
-        EXPECT_EQ(string2int(text, c.base), c.result) << c.text;
-        EXPECT_STREQ(text, c.left);
+        set_text(text, c["text"]);
+        EXPECT_EQ(std::to_string(string2int(text, std::stoi(c["base"]))), c["number"]) << c["text"];
+        EXPECT_EQ(text, c["left"]);
     }
     EXPECT_EQ(number_of(string(8191, '0'), 16), 0);
     EXPECT_EQ(number_of(string(8192, '0'), 16), -1);

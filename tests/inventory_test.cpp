@@ -90,30 +90,13 @@ TEST(PortAttributes, LinesBehindTheHeadFillTheEntry) {
 }
 
 TEST(TargetMapping, TheLastUnitStands) {
-    reset_run();
-    VerboseLevel = 6;
-    const string head = "Target Mapping for x:\n\nVendor ID : EARLY\n\n";
-    struct {
-        string text;
-        const char *vendor, *product;  // vendor null: no entry
-    } const cases[] = {
-        {head, nullptr, nullptr},
-        {head + "no colon\nVendor ID LATE\n", nullptr, nullptr},
-        {head + "Some : thing\n", "", ""},
-        {head + "Target Mapping for y: \n", "", ""},
-        {head + "Vendor ID : V1\nProduct ID : P1\n\nVendor ID : V2\n", "V2", "P1"},
-        {head + "Vendor ID : V1\nVendor ID :\n", "", ""},
-        {"", nullptr, nullptr},
-        {string(4 * 1023, ' ') + "\nVendor ID : V1\n", "V1", ""},  // pieces count as lines
-    };
-    for (const auto& c : cases) {
+    for (test_case& c : cases("mappings.txt")) {
+        reset_run();
         hba_info port{};
-        output_of([&] { EXPECT_EQ(read_target_mapping(text_file(c.text), port), RET_OK); });
-        ASSERT_EQ(port.target_mapping == nullptr, c.vendor == nullptr) << c.text;
-        if (c.vendor != nullptr) {
-            EXPECT_STREQ(port.target_mapping->VendorID, c.vendor) << c.text;
-            EXPECT_STREQ(port.target_mapping->ProductID, c.product) << c.text;
-        }
+        EXPECT_EQ(read_target_mapping(text_file(c["output"]), port), RET_OK);
+        const target_mapping_entry* entry = port.target_mapping;
+        EXPECT_EQ(entry == nullptr ? "none" : string(entry->VendorID) + "/" + entry->ProductID,
+                  c["storage"]);
     }
 }
 

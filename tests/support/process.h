@@ -10,7 +10,7 @@ struct ended {
     exit_status status;
 };
 
-/// Puts every global back to where a new process has it.
+/// Puts back to where a new process has it all that a run fills; of the debug log nothing is held.
 void reset_run();
 
 /// A file that reads as `text`, which must outlive it.
