@@ -33,12 +33,14 @@ void link(hba_info& port, hba_info& candidate) {
 
 // All candidates are taken: the last one stands as flash port.
 void take_candidates(hba_info& port, std::span<hba_info* const> candidates) {
+    const std::string_view serial = port.SerialNo;
+    const bool takes_part_in_chains = std::string_view(port.PortType).starts_with("FCoE");
     for (hba_info* candidate : candidates) {
-        if (!std::string_view(port.SerialNo).starts_with(candidate->SerialNo)) {
+        if (!serial.starts_with(candidate->SerialNo)) {
             continue;
         }
         port.flash_port = candidate;
-        if (std::string_view(port.PortType).starts_with("FCoE")) {
+        if (takes_part_in_chains) {
             link(port, *candidate);
         }
     }
