@@ -4,7 +4,6 @@
 #include <sstream>
 
 #include "check/check_walk.h"
-#include "check/controller_check.h"
 #include "check/subsystem_validation.h"
 #include "conditions/conditions_file.h"
 #include "frame/options.h"
@@ -124,21 +123,6 @@ TEST(CheckWalk, FlagsAndResultsByMode) {
             EXPECT_EQ(passed, result) << c["vendors"];
         }
     }
-}
-
-// FCoE 0/1 and 1/1 of one serial number link back to each other.
-TEST(CheckWalk, AChainThatLeadsBackEnds) {
-    reset_run();
-    fc_config_file_entry** row = add_row("V=");
-    hba_info& a = add_port("A", "0", "FCoE", "V");
-    hba_info& b = add_port("A", "1", "FCoE", "V");
-    a.flash_port = &a;
-    a.next_ctrl_port = &b;
-    b.next_ctrl_port = &a;
-    global_ctrl_flags flags;
-    output_of([&] { DoSubSystemCheck(&a, row, &flags); });
-    EXPECT_TRUE(a.check_done && b.check_done);
-    EXPECT_EQ(flags.vendor_reference, &b);
 }
 
 }  // namespace

@@ -6,9 +6,7 @@
 #include <sstream>
 
 #include "frame/command_line.h"
-#include "frame/options.h"
 #include "frame/output.h"
-#include "frame/paths.h"
 #include "frame/selection.h"
 #include "frame/text.h"
 #include "support/support.h"
@@ -55,17 +53,8 @@ TEST(Text, NumbersAreReadWholeOrNotAtAll) {
 }
 
 TEST(Text, ValuesAreTrimmed) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"\"XR 2000\"\n", "XR 2000"},
-        {"a\"b\tc", "a b c"},
-        {"  \t \n", ""},
-        {"", ""},
-        {" x\r\n", "x\r"},
-    };
-    for (const auto& [text, value] : cases) {
-        char buffer[32];
-        set_text(buffer, text);
-        EXPECT_STREQ(cleanString(buffer), value);
+    for (test_case& c : cases("trims.txt")) {
+        EXPECT_EQ(string(cleanString(c["text"].data())), c["value"]);
     }
 }
 
@@ -102,37 +91,6 @@ TEST(Selection, ListsFillTheChainPositionByPosition) {
             result = std::to_string(end.status);
         }
         EXPECT_EQ(result, c.contains("chain") ? c.at("chain") : c.at("status")) << line;
-    }
-}
-
-// --- paths --------------------------------------------------------------------------------
-
-TEST(Paths, ComeFromTheCallOrFromConpath) {
-    char current[path_width];
-    ASSERT_NE(getcwd(current, sizeof current), nullptr);
-    const string longest(path_width - 23, 'd');
-    struct {
-        string given, called_as, working;
-        bool fits;
-    } const cases[] = {
-        {"", "./cnatool", "./", true},
-        {"", "cnatool", string(current) + "/", true},
-        {"", "/cnatool", "/", true},
-        {"", "a/b/cnatool", "a/b/", true},
-        {"dir", "./cnatool", "dir/", true},
-        {"dir/", "./cnatool", "dir//", true},
-        {"", longest + "/cnatool", longest + "/", true},
-        {"", longest + "d/cnatool", "", false},
-    };
-    for (const auto& c : cases) {
-        reset_run();
-        EXPECT_TRUE(set_directory(c.given));
-        EXPECT_EQ(settle_paths(c.called_as), c.fits);
-        if (c.fits) {
-            EXPECT_EQ(pHBAWorkingPath, c.working);
-            EXPECT_EQ(pHBAFirmwarePath, c.working);
-            EXPECT_EQ(pHBAConditionsPath, c.working + "FC_HBA_Conditions.txt");
-        }
     }
 }
 

@@ -10,7 +10,8 @@ void print_flash_port_line(const hba_info& port);
 
 /// Flashes the images of the row in this slot of fc_config_entry_list onto the controller of
 /// the port, through its flash_port (which must not be null): the firmware, then the BIOS where
-/// the row names one. Both are looked up before anything is flashed; a flash port that is done
-/// is skipped. Gives 0, 10 when a command failed or was refused, 20 when a directory or image
-/// is missing, 21 when the management tool is gone.
+/// the row names one. Both are looked up before anything is flashed; a port whose flash port is
+/// done is skipped, and only the port given here is marked as done. Gives 0, 10 when a command
+/// failed or was refused, 20 when a directory or image is missing, 21 when the management tool is
+/// gone.
 exit_status FlashBladeEngine(hba_info* port, fc_config_file_entry** row, global_ctrl_flags* flags);
