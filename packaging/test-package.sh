@@ -10,6 +10,9 @@ if [ $# -ne 1 ] || ! [ -f "$1/CMakeCache.txt" ]; then
     echo 'usage: test-package.sh BUILD_DIR' >&2
     exit 2
 fi
+# dpkg wants its helpers, which the PATH of an ordinary user need not have.
+PATH=$PATH:/usr/sbin:/sbin
+export PATH
 # dpkg sets owners, which root alone may do.
 [ "$(id -u)" -eq 0 ] || exec fakeroot -- "$0" "$@"
 
