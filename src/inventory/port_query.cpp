@@ -10,12 +10,11 @@ namespace {
 
 // Serial number and function become the name of a file that the shell opens for writing. Behind a
 // blank it would open the file of another name, behind a slash one in another directory: the
-// table or an image, say. Only the slash of "n/a" is known, and leads to no file.
+// table or an image, say. All that begins "n/a" leads to no file, as nothing makes its directory.
 bool names_a_file(const hba_info& port) {
     const std::string name = std::string(port.SerialNo) + port.PCIFunction;
-    const bool leads_away =
-        has_serial_number(port) ? name.find('/') != std::string::npos : leaves_directory(name);
-    return !leads_away && name.find(' ') == std::string::npos;
+    return has_serial_number(port) ? name.find_first_of(" /") == std::string::npos
+                                   : !leaves_directory(name);
 }
 
 }  // namespace
