@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "frame/command_line.h"
-#include "frame/output.h"
-#include "frame/selection.h"
+#include "base/output.h"
+#include "call/command_line.h"
+#include "call/selection.h"
 #include "support/process.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

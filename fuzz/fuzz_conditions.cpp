@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/list.h"
+#include "base/output.h"
 #include "conditions/conditions_file.h"
-#include "frame/list.h"
-#include "frame/output.h"
 #include "support/process.h"
 
 namespace {

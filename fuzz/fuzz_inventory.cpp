@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "base/list.h"
+#include "base/output.h"
 #include "check/controller_check.h"
-#include "frame/list.h"
-#include "frame/output.h"
 #include "inventory/flash_ports.h"
 #include "inventory/port_attributes.h"
 #include "inventory/port_list.h"

@@ -3,12 +3,12 @@
 #include <map>
 #include <sstream>
 
+#include "base/output.h"
+#include "base/text.h"
+#include "call/options.h"
 #include "check/check_walk.h"
 #include "check/subsystem_validation.h"
 #include "conditions/conditions_file.h"
-#include "frame/options.h"
-#include "frame/output.h"
-#include "frame/text.h"
 #include "inventory/flash_ports.h"
 #include "support/support.h"
 

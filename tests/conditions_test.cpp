@@ -3,9 +3,9 @@
 #include <map>
 #include <set>
 
+#include "base/list.h"
+#include "base/output.h"
 #include "conditions/conditions_file.h"
-#include "frame/list.h"
-#include "frame/output.h"
 #include "support/support.h"
 
 namespace {

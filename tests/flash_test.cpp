@@ -2,10 +2,10 @@
 
 #include <sstream>
 
+#include "base/text.h"
+#include "call/paths.h"
 #include "flash/flash_engine.h"
 #include "flash/image_finder.h"
-#include "frame/paths.h"
-#include "frame/text.h"
 #include "support/support.h"
 
 namespace {

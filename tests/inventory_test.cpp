@@ -2,11 +2,11 @@
 
 #include <sstream>
 
-#include "frame/list.h"
-#include "frame/options.h"
-#include "frame/output.h"
-#include "frame/paths.h"
-#include "frame/text.h"
+#include "base/list.h"
+#include "base/output.h"
+#include "base/text.h"
+#include "call/options.h"
+#include "call/paths.h"
 #include "inventory/flash_ports.h"
 #include "inventory/management_tool.h"
 #include "inventory/port_attributes.h"

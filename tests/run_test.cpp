@@ -8,7 +8,7 @@
 #include <array>
 #include <sstream>
 
-#include "frame/program_run.h"
+#include "run/program_run.h"
 #include "support/support.h"
 
 namespace {

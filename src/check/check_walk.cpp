@@ -1,10 +1,10 @@
 #include "check/check_walk.h"
 
+#include "base/list.h"
+#include "base/output.h"
+#include "call/options.h"
 #include "check/controller_check.h"
-#include "frame/list.h"
-#include "frame/matching.h"
-#include "frame/options.h"
-#include "frame/output.h"
+#include "walk/matching.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "frame/run_flags.h"
-#include "frame/selection.h"
+#include "call/selection.h"
+#include "walk/run_flags.h"
 
 /// Matches the selected controllers with ports and rows and checks the storage behind each that
 /// fits; the findings go to `flags`. Gives whether the check passed, by the first check option

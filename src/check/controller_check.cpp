@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/output.h"
 #include "check/subsystem_validation.h"
-#include "frame/output.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "conditions/conditions_file.h"
-#include "frame/run_flags.h"
 #include "inventory/port_records.h"
+#include "walk/run_flags.h"
 
 /// Validates, once per run, the storage of each port on the chain of the port's flash_port
 /// (which must not be null) against the row in this slot of fc_config_entry_list, and compares

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "frame/output.h"
-#include "frame/text.h"
+#include "base/output.h"
+#include "base/text.h"
 
 namespace {
 

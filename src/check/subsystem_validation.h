@@ -1,8 +1,8 @@
 #pragma once
 
 #include "conditions/conditions_file.h"
-#include "frame/run_flags.h"
 #include "inventory/port_records.h"
+#include "walk/run_flags.h"
 
 /// Whether the storage attached to the port, which must have a target_mapping, is allowed by
 /// the row in this slot of fc_config_entry_list. If not,

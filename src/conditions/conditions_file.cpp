@@ -7,11 +7,11 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/end_process.h"
-#include "frame/lines.h"
-#include "frame/list.h"
-#include "frame/output.h"
-#include "frame/text.h"
+#include "base/end_process.h"
+#include "base/lines.h"
+#include "base/list.h"
+#include "base/output.h"
+#include "base/text.h"
 
 fc_config_file_entry** fc_config_entry_list = nullptr;
 

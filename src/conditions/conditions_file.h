@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "frame/exit_status.h"
-#include "frame/lines.h"
+#include "base/exit_status.h"
+#include "base/lines.h"
 
 /// One allowed storage vendor of a row.
 struct fc_periphery_info {

@@ -6,11 +6,11 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/output.h"
+#include "base/text.h"
+#include "call/options.h"
+#include "call/paths.h"
 #include "flash/image_finder.h"
-#include "frame/options.h"
-#include "frame/output.h"
-#include "frame/paths.h"
-#include "frame/text.h"
 #include "inventory/management_tool.h"
 
 namespace {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/exit_status.h"
 #include "conditions/conditions_file.h"
-#include "frame/exit_status.h"
-#include "frame/run_flags.h"
 #include "inventory/port_records.h"
+#include "walk/run_flags.h"
 
 /// Prints at level 1 what port is meant, as all messages of a flash show it.
 void print_flash_port_line(const hba_info& port);

@@ -1,9 +1,9 @@
 #include "flash/flash_walk.h"
 
+#include "base/list.h"
+#include "base/output.h"
 #include "flash/flash_engine.h"
-#include "frame/list.h"
-#include "frame/matching.h"
-#include "frame/output.h"
+#include "walk/matching.h"
 
 namespace {
 

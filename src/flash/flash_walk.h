@@ -1,8 +1,8 @@
 #pragma once
 
-#include "frame/exit_status.h"
-#include "frame/run_flags.h"
-#include "frame/selection.h"
+#include "base/exit_status.h"
+#include "call/selection.h"
+#include "walk/run_flags.h"
 
 /// Flashes each port that fits a selected controller and a row, once for each such row. Gives
 /// 0, also when nothing fits, or the first failure of the flash engine (10, 20, 21), behind

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string_view>
 
-#include "frame/text.h"
+#include "base/text.h"
 
 namespace {
 

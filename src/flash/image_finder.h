@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "frame/exit_status.h"
+#include "base/exit_status.h"
 
 inline constexpr std::size_t image_path_width = 1024;
 

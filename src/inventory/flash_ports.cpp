@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/list.h"
+#include "base/list.h"
 #include "inventory/port_records.h"
 
 namespace {

@@ -2,9 +2,9 @@
 
 #include <sys/stat.h>
 
-#include "frame/options.h"
-#include "frame/output.h"
-#include "frame/paths.h"
+#include "base/output.h"
+#include "call/options.h"
+#include "call/paths.h"
 #include "inventory/port_attributes.h"
 #include "inventory/port_list.h"
 #include "inventory/port_records.h"

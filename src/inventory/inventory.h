@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/exit_status.h"
+#include "base/exit_status.h"
 
 /// Collects all ports with their attributes and storage into p_hba_info_list, each stage
 /// complete before the next. Gives 0, also for a machine without ports, or 21, 51, 54, 55;

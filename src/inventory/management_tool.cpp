@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "frame/options.h"
-#include "frame/output.h"
-#include "frame/paths.h"
-#include "frame/text.h"
+#include "base/output.h"
+#include "base/text.h"
+#include "call/options.h"
+#include "call/paths.h"
 #include "inventory/tool_places.h"
 
 namespace {

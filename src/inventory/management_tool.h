@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "frame/exit_status.h"
+#include "base/exit_status.h"
 
 /// Finds the management tool and puts its path into pHBAFlashCmdPath. Gives 0, or 21 when it
 /// is at none of its places.

@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "frame/text.h"
+#include "base/text.h"
 
 /// One key of the management tool's output: what a line begins with, and what becomes of it.
 template <typename Record>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "frame/exit_status.h"
-#include "frame/lines.h"
+#include "base/exit_status.h"
+#include "base/lines.h"
 #include "inventory/port_records.h"
 
 /// Second stage of the collection: asks for the attributes of each port and hangs them on it.

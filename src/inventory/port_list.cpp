@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "frame/lines.h"
-#include "frame/output.h"
-#include "frame/paths.h"
+#include "base/lines.h"
+#include "base/output.h"
+#include "call/paths.h"
 #include "inventory/management_tool.h"
 #include "inventory/output_lines.h"
 #include "inventory/port_records.h"

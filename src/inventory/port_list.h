@@ -1,7 +1,7 @@
 #pragma once
 
-#include "frame/exit_status.h"
-#include "frame/lines.h"
+#include "base/exit_status.h"
+#include "base/lines.h"
 
 /// First stage of the collection: runs the listing command and opens a port in p_hba_info_list
 /// for each block of its output. Gives 0, 51 when the output cannot be opened, 55 when the

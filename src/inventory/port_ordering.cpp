@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "frame/list.h"
-#include "frame/output.h"
+#include "base/list.h"
+#include "base/output.h"
 #include "inventory/port_records.h"
 
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "frame/output.h"
-#include "frame/paths.h"
+#include "base/output.h"
+#include "call/paths.h"
 #include "inventory/management_tool.h"
 
 namespace {

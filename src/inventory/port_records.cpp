@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/list.h"
+#include "base/list.h"
 
 hba_info** p_hba_info_list = nullptr;
 

@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "frame/list.h"
-#include "frame/output.h"
+#include "base/list.h"
+#include "base/output.h"
 #include "inventory/output_lines.h"
 #include "inventory/port_query.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "frame/exit_status.h"
-#include "frame/lines.h"
+#include "base/exit_status.h"
+#include "base/lines.h"
 #include "inventory/port_records.h"
 
 /// Third stage of the collection: asks each FC or FCoE port for its storage and hangs that on

@@ -1,11 +1,11 @@
 #include "support/process.h"
 
+#include "base/end_process.h"
+#include "base/output.h"
+#include "call/options.h"
+#include "call/paths.h"
+#include "call/selection.h"
 #include "conditions/conditions_file.h"
-#include "frame/end_process.h"
-#include "frame/options.h"
-#include "frame/output.h"
-#include "frame/paths.h"
-#include "frame/selection.h"
 #include "inventory/port_records.h"
 
 void end_process(exit_status status) { throw ended{status}; }

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "frame/exit_status.h"
-#include "frame/lines.h"
+#include "base/exit_status.h"
+#include "base/lines.h"
 
 /// What end_process throws here in place of ending the process.
 struct ended {

@@ -1,7 +1,7 @@
 #include <csignal>
 #include <cstdio>
 
-#include "frame/program_run.h"
+#include "run/program_run.h"
 
 int main(int argc, char** argv) {
     // A caller that captures the output sees how far a long flash has come.

@@ -1,14 +1,14 @@
-#include "frame/selection.h"
+#include "call/selection.h"
 
 #include <array>
 #include <list>
 #include <span>
 #include <string_view>
 
-#include "frame/end_process.h"
-#include "frame/list.h"
-#include "frame/output.h"
-#include "frame/text.h"
+#include "base/end_process.h"
+#include "base/list.h"
+#include "base/output.h"
+#include "base/text.h"
 
 option_input* p_option_input = nullptr;
 

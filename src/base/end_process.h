@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/exit_status.h"
+#include "base/exit_status.h"
 
 /// Ends the tool at once. For the few places that have no result to report through: bad entries and
 /// exhausted memory in the selection lists, bad identifiers in the table, a number that overflows.

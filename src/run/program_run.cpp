@@ -1,25 +1,25 @@
-#include "frame/program_run.h"
+#include "run/program_run.h"
 
 #include <algorithm>
 #include <new>
 #include <optional>
 
+#include "base/list.h"
+#include "base/output.h"
+#include "base/text.h"
+#include "call/command_line.h"
+#include "call/options.h"
+#include "call/paths.h"
+#include "call/selection.h"
 #include "check/check_walk.h"
 #include "conditions/conditions_file.h"
 #include "flash/flash_walk.h"
-#include "frame/command_line.h"
-#include "frame/list.h"
-#include "frame/options.h"
-#include "frame/output.h"
-#include "frame/paths.h"
-#include "frame/run_flags.h"
-#include "frame/selection.h"
-#include "frame/text.h"
 #include "inventory/flash_ports.h"
 #include "inventory/inventory.h"
 #include "inventory/management_tool.h"
 #include "inventory/port_ordering.h"
 #include "inventory/port_records.h"
+#include "walk/run_flags.h"
 
 namespace {
 

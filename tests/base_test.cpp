@@ -5,10 +5,10 @@
 #include <iterator>
 #include <sstream>
 
-#include "frame/command_line.h"
-#include "frame/output.h"
-#include "frame/selection.h"
-#include "frame/text.h"
+#include "base/output.h"
+#include "base/text.h"
+#include "call/command_line.h"
+#include "call/selection.h"
 #include "support/support.h"
 
 namespace {

@@ -1,10 +1,10 @@
-#include "frame/lines.h"
+#include "base/lines.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "frame/output.h"
+#include "base/output.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/exit_status.h"
+#include "base/exit_status.h"
 
 /// One run of the tool from the command line to the status that it ends with. Some elements of
 /// `argv` are rewritten in place.

@@ -1,4 +1,4 @@
-#include "frame/text.h"
+#include "base/text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "frame/end_process.h"
+#include "base/end_process.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
-#include "frame/matching.h"
+#include "walk/matching.h"
 
-#include "frame/output.h"
-#include "frame/paths.h"
+#include "base/output.h"
+#include "call/paths.h"
 
 bool selects_by_four_ids(const option_input& selection) { return selection.subvendor_id > 0; }
 

@@ -1,13 +1,13 @@
-#include "frame/command_line.h"
+#include "call/command_line.h"
 
 #include <string_view>
 
-#include "frame/help.h"
-#include "frame/options.h"
-#include "frame/output.h"
-#include "frame/paths.h"
-#include "frame/selection.h"
-#include "frame/text.h"
+#include "base/output.h"
+#include "base/text.h"
+#include "call/help.h"
+#include "call/options.h"
+#include "call/paths.h"
+#include "call/selection.h"
 
 namespace {
 

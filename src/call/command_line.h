@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "frame/exit_status.h"
+#include "base/exit_status.h"
 
 /// Reads the command line in its three passes: sets program_name, the output switches, the
 /// options and the selection. A leading '/' of an element becomes '-' in place. Gives the

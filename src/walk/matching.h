@@ -1,7 +1,7 @@
 #pragma once
 
+#include "call/selection.h"
 #include "conditions/conditions_file.h"
-#include "frame/selection.h"
 #include "inventory/port_records.h"
 
 /// Whether the record selects by all four identifiers rather than by vendor and device alone.

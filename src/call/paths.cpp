@@ -1,11 +1,11 @@
-#include "frame/paths.h"
+#include "call/paths.h"
 
 #include <unistd.h>
 
 #include <cstdlib>
 
-#include "frame/output.h"
-#include "frame/text.h"
+#include "base/output.h"
+#include "base/text.h"
 
 char TEMPDIR_BUFFER[4096];
 char pHBAConditionsPath[path_width];

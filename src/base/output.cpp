@@ -1,4 +1,4 @@
-#include "frame/output.h"
+#include "base/output.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,7 +8,7 @@
 #include <new>
 #include <string>
 
-#include "frame/text.h"
+#include "base/text.h"
 
 int DebugLevel = 0;
 int VerboseLevel = 1;

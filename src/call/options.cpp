@@ -1,4 +1,4 @@
-#include "frame/options.h"
+#include "call/options.h"
 
 int active_option_valid_subsystem = 0;
 int active_option_ctrl_wide_identical = 0;

@@ -1,8 +1,8 @@
-#include "frame/help.h"
+#include "call/help.h"
 
 #include <array>
 
-#include "frame/output.h"
+#include "base/output.h"
 
 namespace {
 

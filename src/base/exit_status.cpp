@@ -1,4 +1,4 @@
-#include "frame/exit_status.h"
+#include "base/exit_status.h"
 
 #include <array>
 #include <cstdio>
