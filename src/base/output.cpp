@@ -51,6 +51,10 @@ std::FILE* open_plain_file(const char* path) {
 
 }  // namespace
 
+void set_program_name(std::string_view called_as) {
+    set_text(program_name, called_as.substr(called_as.rfind('/') + 1));
+}
+
 bool level_shows(int level) { return level <= VerboseLevel || level <= DebugLevel; }
 
 int PrintDebug(int level, const char* text, std::FILE* stream) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <string_view>
 
 extern int DebugLevel;    ///< 0 to 6; messages up to it go to the debug log
 extern int VerboseLevel;  ///< 0 to 6; messages up to it go to standard output
@@ -12,6 +13,9 @@ inline constexpr std::size_t message_width = 4096;  ///< a longer message is cut
 
 /// The base name under which the tool was called, cut to the field; only printed.
 extern char program_name[32];
+
+/// Takes program_name from the path by which the tool was called.
+void set_program_name(std::string_view called_as);
 
 inline constexpr char dash_ruler[] =
     "---------+---------+---------+---------+---------+---------+---------+---------+";

@@ -102,8 +102,7 @@ outcome read_level(const level_option& option, std::string_view element, const c
 }
 
 void first_pass(int argc, char** argv) {
-    const std::string_view called_as = argc > 0 ? argv[0] : "";
-    set_text(program_name, called_as.substr(called_as.rfind('/') + 1));
+    set_program_name(argc > 0 ? argv[0] : "");
     for (int i = 1; i < argc; ++i) {
         if (argv[i][0] == '/') {
             argv[i][0] = '-';

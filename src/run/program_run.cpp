@@ -4,6 +4,7 @@
 #include <new>
 #include <optional>
 
+#include "base/ground.h"
 #include "base/list.h"
 #include "base/output.h"
 #include "base/text.h"
@@ -223,6 +224,11 @@ exit_status main_sequence(const char* called_as, global_ctrl_flags& flags) {
 }  // namespace
 
 exit_status program_run(int argc, char** argv) {
+    if (!hold_memory_back()) {
+        set_program_name(argc > 0 ? argv[0] : "");
+        print_out_of_memory();
+        return RET_MEMALLOC_FAIL;
+    }
     try {
         if (const auto ended = read_command_line(argc, argv)) {
             return *ended;

@@ -1,0 +1,61 @@
+#include "base/ground.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <initializer_list>
+#include <new>
+
+namespace {
+
+constexpr std::size_t memory_of_last_exception = 4096;
+
+void* held_memory = nullptr;
+
+// Before anything is opened: it would take the place of a closed descriptor, and a text for the
+// screen, of a command as well, would land in it.
+void fill_standard_descriptors() {
+    for (int descriptor = 0; descriptor <= 2; ++descriptor) {
+        if (fcntl(descriptor, F_GETFD) == -1 && errno == EBADF &&
+            open("/dev/null", O_RDWR) != descriptor) {
+            open("/", O_RDONLY);  // takes the place too, and no text
+        }
+    }
+}
+
+// Text is commentary: a reader that goes away or a file that may not grow must not end a flash half
+// done. A handler and not SIG_IGN, which the management tool would inherit.
+void outlive_failing_output() {
+    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+        std::signal(signal, [](int) {});
+    }
+}
+
+// Without it the exception has no room either, and the process would be aborted.
+void give_memory_for_exception() {
+    std::free(held_memory);
+    held_memory = nullptr;
+    throw std::bad_alloc();
+}
+
+}  // namespace
+
+void prepare_process() {
+    fill_standard_descriptors();
+    // A caller that captures the output sees how far a long flash has come.
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    // A caller that ignores the end of its children would hide from us how a command ended.
+    std::signal(SIGCHLD, SIG_DFL);
+    outlive_failing_output();
+    umask(umask(0) | S_IWGRP | S_IWOTH);
+}
+
+bool hold_memory_back() {
+    held_memory = std::malloc(memory_of_last_exception);
+    std::set_new_handler(give_memory_for_exception);
+    return held_memory != nullptr;
+}
