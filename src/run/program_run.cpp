@@ -7,6 +7,7 @@
 #include "base/ground.h"
 #include "base/list.h"
 #include "base/output.h"
+#include "base/run_lock.h"
 #include "base/text.h"
 #include "call/command_line.h"
 #include "call/options.h"
@@ -82,6 +83,10 @@ void echo_conditions() {
 exit_status collect_inventory() {
     if (const exit_status status = Get_HbaCmd_Path()) {
         return status;
+    }
+    if (active_option_simulate == 0) {
+        // Runs in other directories may work on the same controllers.
+        lock_for_run(pHBAFlashCmdPath, lock_kind::exclusive);
     }
     return Get_All_Hba_Info();
 }
@@ -198,6 +203,8 @@ exit_status main_sequence(const char* called_as, global_ctrl_flags& flags) {
         Print(1, "Error: Fatal error!\n");
         return RET_FATAL_ERROR;
     }
+    lock_for_run(pHBAWorkingPath,
+                 active_option_simulate != 0 ? lock_kind::shared : lock_kind::exclusive);
     open_debug_log(pHBAWorkingPath);
     if (const exit_status status = read_table()) {
         return status;

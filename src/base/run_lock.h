@@ -1,0 +1,8 @@
+#pragma once
+
+enum class lock_kind { shared, exclusive };
+
+/// Takes an advisory lock on a file or directory, which ends with the process and which no child
+/// inherits. Where another run holds it this one waits, and says so at level 1. What cannot be
+/// locked is used without.
+void lock_for_run(const char* path, lock_kind kind);
