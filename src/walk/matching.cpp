@@ -7,6 +7,11 @@ bool selects_by_four_ids(const option_input& selection) { return selection.subve
 
 bool fits_selection(const hba_info& port, const option_input& selection) {
     const hba_attributes_entry* ids = port.attributes;
+    // A record of names alone, or of lists of different length, holds zeros, and so do attributes
+    // of which only the head was read.
+    if (selection.vendor_id == 0 || selection.device_id == 0) {
+        return false;
+    }
     if (ids == nullptr || ids->vendor_id != selection.vendor_id ||
         ids->device_id != selection.device_id) {
         return false;

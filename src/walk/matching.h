@@ -8,7 +8,7 @@
 bool selects_by_four_ids(const option_input& selection);
 
 /// Whether the port has the identifiers that the record selects. A port without attributes
-/// has nothing to compare and fits nothing.
+/// has nothing to compare and fits nothing, and a record without a vendor or device fits no port.
 bool fits_selection(const hba_info& port, const option_input& selection);
 
 /// Whether row and port agree on vendor and device and, with `all_four`, on the sub ids too.
