@@ -212,20 +212,46 @@ TEST(LongValues, StayInTheirField) {
     EXPECT_STREQ(p_hba_info_list[1]->CurrentMAC, "");
 }
 
-// What the characters of the shell do in a value is left to whole runs.
+// --- commands -----------------------------------------------------------------------------
+
+// Behind the word "x" a value stands as an argument, behind ">" as the target, in both within
+// words.
+TEST(ManagementTool, UnsafeValuesAreTheOnesThatAShellActsOn) {
+    const std::pair<const char*, string> places[] = {{"x %s > f\n", "|&;<>()$`\\\"'{\n*?["},
+                                                     {"x %s > f\n", "~#"},
+                                                     {"x > d/%s\n", "|{\n"},
+                                                     {"x > %s\n", "~#"}};
+    for (const auto& [format, characters] : places) {
+        for (const char c : characters) {
+            const string value{c, 'a'};
+            EXPECT_EQ(compose_command(format, {value}).unsafe_value, value) << format;
+        }
+    }
+    for (const char* format : {"x > d/%s\n", "x >> d/%s\n"}) {
+        EXPECT_EQ(compose_command(format, {"a~#*?[ b\r}~"}).unsafe_value, "");
+        EXPECT_EQ(compose_command(format, {"a b*"}).unsafe_value, "a b*");
+        EXPECT_EQ(compose_command(format, {"a #"}).unsafe_value, "a #");
+    }
+    EXPECT_EQ(compose_command("x y%s %s", {"~#", "a~#\r"}).unsafe_value, "");
+    EXPECT_EQ(compose_command("x %s %s %s", {"a", "b;", "c;"}).unsafe_value, "b;");
+}
+
 TEST(ManagementTool, UnsafeAndLongCommandsAreRefused) {
     reset_run();
-    const auto unsafe = compose_command("true %s", {"a\nb"});
-    const auto lengthy = compose_command("true %s", {string(1019, 'x')});
-    EXPECT_EQ(output_of([&] { EXPECT_EQ(run_command(unsafe), std::nullopt); }),
-              "Error: Unsafe character in command: true a\nb\n");
-    EXPECT_EQ(output_of([&] { EXPECT_EQ(run_command(lengthy), std::nullopt); }),
-              "Error: Command or file name is too long: true " + string(1019, 'x') + "\n");
-    EXPECT_EQ(run_command(compose_command("true %s", {string(1018, 'x')})), 0);
-    EXPECT_EQ(run_command(compose_command("test %s", {"a = b\r"})), 256);
+    const auto refusal = [](const tool_command& command) {
+        return output_of([&] { is_refused(command); });
+    };
+    const tool_command unsafe = compose_command("true %s", {"a;b"});
+    const tool_command lengthy = compose_command("true %s", {string(1019, 'x')});
+    const string too_long =
+        "Error: Command or file name is too long: true " + string(1019, 'x') + "\n";
+    EXPECT_EQ(refusal(unsafe), "Error: Unsafe value 'a;b' in command: true a;b\n");
+    EXPECT_EQ(refusal(lengthy), too_long);
+    EXPECT_EQ(refusal(compose_command("true %s", {string(1018, 'x')})), "");
+    EXPECT_EQ(run_command(compose_command("test %s", {"a = b\r"}), command_kind::query), 256);
     active_option_simulate = 1;  // nothing would be run, and only what is too long is refused
-    EXPECT_EQ(output_of([&] { EXPECT_EQ(run_command(unsafe), 0); }), "");
-    output_of([&] { EXPECT_EQ(run_command(lengthy), std::nullopt); });
+    EXPECT_EQ(refusal(unsafe), "");
+    EXPECT_EQ(refusal(lengthy), too_long);
     for (const auto& [name, leaves] : std::map<string, bool>{
              {"..", true}, {"../x", true}, {"x/../y", true}, {"n/a", false}, {"a..b", false}}) {
         EXPECT_EQ(leaves_directory(name), leaves) << name;

@@ -19,7 +19,7 @@ enum exit_status : int {
     RET_FW_NOT_AVAILABLE = 20,                   ///< a firmware directory or image is missing
     RET_SCLI_NOT_INSTALLED = 21,                 ///< the management tool is missing
     RET_KERNEL_MODULE_MISSING = 22,              ///< a port with a serial number has no flash port
-    STATUS_OUTPUT_FILE_MISSING = 51,             ///< an output cannot be opened; in no printed list
+    STATUS_OUTPUT_FILE_MISSING = 51,             ///< an output cannot be read; in no printed list
     RET_MEMALLOC_FAIL = 54,                      ///< memory ran out
     RET_FATAL_ERROR = 55,                        ///< bad identifier, failed listing, unusable table
 };

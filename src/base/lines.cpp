@@ -16,28 +16,43 @@ bool is_file_or_directory(int descriptor) {
 
 }  // namespace
 
-input_file open_for_reading(const char* path) {
-    input_file file;
-    const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+input_file open_for_reading(const std::string& path) {
+    input_file file{.stream = nullptr, .path = path};
+    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor >= 0 && is_file_or_directory(descriptor)) {
-        file.reset(fdopen(descriptor, "r"));
+        file.stream.reset(fdopen(descriptor, "r"));
     }
-    if (file == nullptr) {
+    if (file.stream == nullptr) {
         if (descriptor >= 0) {
             close(descriptor);
         }
-        Print(1, "Error: Could not open file %s\n", path);
+        print_not_opened(path);
     }
     return file;
+}
+
+void print_not_opened(const std::string& path) {
+    Print(1, "Error: Could not open file %s\n", path.c_str());
 }
 
 bool next_line(const input_file& file, char (&line)[line_width]) {
     std::size_t length = 0;
     int c = 0;
-    while (length < sizeof line - 1 && c != '\n' && (c = getc_unlocked(file.get())) != EOF) {
+    while (length < sizeof line - 1 && c != '\n' && (c = getc_unlocked(file.stream.get())) != EOF) {
         // A NUL would hide what stands behind it. This stands in no name, and reaches no shell.
         line[length++] = c == '\0' ? '?' : static_cast<char>(c);
     }
     line[length] = '\0';
     return length > 0;
+}
+
+exit_status status_at_end(const input_file& file) {
+    struct stat status {};
+    const bool failed = std::ferror(file.stream.get()) != 0;
+    // That a directory holds no lines is no error.
+    if (!failed || (fstat(fileno(file.stream.get()), &status) == 0 && S_ISDIR(status.st_mode))) {
+        return RET_OK;
+    }
+    Print(1, "Error: Could not read file %s to its end.\n", file.path.c_str());
+    return STATUS_OUTPUT_FILE_MISSING;
 }

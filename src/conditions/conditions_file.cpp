@@ -206,13 +206,18 @@ fc_periphery_info* get_new_periphery_info_entry() { return new_record(triples); 
 
 exit_status Read_FC_Config_File(const char* path) {
     const input_file file = open_for_reading(path);
-    return file == nullptr ? RET_FC_HBA_CONDITIONS_MISSING : read_conditions(file);
+    return file.stream == nullptr ? RET_FC_HBA_CONDITIONS_MISSING : read_conditions(file);
 }
 
 exit_status read_conditions(const input_file& file) {
+    constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
     char line[line_width];
     for (position at{.line = 1}; next_line(file, line); ++at.line) {
-        if (const exit_status status = read_line(line, at)) {
+        std::string_view text = line;
+        if (at.line == 1 && text.starts_with(byte_order_mark)) {
+            text.remove_prefix(byte_order_mark.size());
+        }
+        if (const exit_status status = read_line(text, at)) {
             return status;
         }
     }

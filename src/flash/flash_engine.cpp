@@ -15,9 +15,19 @@
 
 namespace {
 
+/// What is flashed from where onto what; the directory ends in a slash once it is settled.
+struct flash_job {
+    const hba_info& port;
+    const fc_config_file_entry& row;
+    char directory[path_width];
+    char firmware_image[image_path_width];  // as looked up before anything is sent
+    char bios_image[image_path_width];
+};
+
 /// One kind of image and the texts that go with it.
 struct image_kind {
     char (fc_config_file_entry::*pattern)[80];
+    char (flash_job::*image)[image_path_width];
     const char* search;   ///< the pattern is looked for
     const char* found;    ///< the image is about to be flashed
     const char* missing;  ///< it is gone since it was looked up
@@ -26,6 +36,7 @@ struct image_kind {
 
 constexpr image_kind firmware{
     .pattern = &fc_config_file_entry::firmware_file,
+    .image = &flash_job::firmware_image,
     .search = "\t\tLook for firmware file",
     .found = "\t\t\tFirmware file found",
     .missing = "\t\t\tFirmware file is not available",
@@ -34,17 +45,11 @@ constexpr image_kind firmware{
 
 constexpr image_kind bios{
     .pattern = &fc_config_file_entry::bios_file,
+    .image = &flash_job::bios_image,
     .search = "\t\tLook for BIOS file",
     .found = "\t\t\tBIOS file found",
     .missing = "\t\t\tBIOS file is not available",
     .start = "\tNow start flashing the BIOS.\n",
-};
-
-/// What is flashed from where onto what; the directory ends in a slash once it is settled.
-struct flash_job {
-    const hba_info& port;
-    const fc_config_file_entry& row;
-    char directory[path_width];
 };
 
 bool exists(const char* path) {
@@ -103,17 +108,21 @@ tool_command compose_download(const flash_job& job, const char* image) {
     tool_command command =
         compose_command("\n\t\t%s %s %s %s >> %s/FWtrace.out\n",
                         {pHBAFlashCmdPath, "download", address, image, job.directory});
+    // Behind a blank the address would name the image.
+    if (std::string_view(address).find(' ') != std::string_view::npos) {
+        mark_unsafe(command, address);
+    }
     // The row's directory is the administrator's word, the model's name the device's.
     const bool named_by_model = job.row.firmware_dir[0] == '\0' && !is_base(job);
-    // Behind a blank the address would name the image.
-    command.unsafe = command.unsafe || (named_by_model && leaves_directory(job.port.Model)) ||
-                     std::string_view(address).find(' ') != std::string_view::npos;
+    if (named_by_model && leaves_directory(job.port.Model)) {
+        mark_unsafe(command, job.port.Model);
+    }
     return command;
 }
 
 // A command that would be refused is refused here: behind it nothing has been flashed yet.
-exit_status look_up(const flash_job& job, const image_kind& kind) {
-    char image[image_path_width] = "";
+exit_status look_up(flash_job& job, const image_kind& kind) {
+    char(&image)[image_path_width] = job.*kind.image;
     const char* pattern = job.row.*kind.pattern;
     if (FindFlashImage(job.directory, image, pattern) == RET_OK) {
         Print(1, "\t\tFound BIOS- or firmware-image: %s '%s'\n", image, pattern);
@@ -148,11 +157,33 @@ exit_status look_up_images(flash_job& job) {
     return status;
 }
 
+bool is_gone(const char* path) {
+    struct stat status {};
+    return lstat(path, &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
+}
+
+// Looks for the image once more. Where the directory cannot be read now, what was looked up stands
+// as long as it is there.
+bool find_again(const flash_job& job, const image_kind& kind, char (&image)[image_path_width]) {
+    if (FindFlashImage(job.directory, image, job.row.*kind.pattern) == RET_OK) {
+        return true;
+    }
+    if (is_gone(job.*kind.image)) {
+        return false;
+    }
+    set_text(image, job.*kind.image);
+    return true;
+}
+
 exit_status flash_image(const flash_job& job, const image_kind& kind) {
     char image[image_path_width] = "";
-    if (FindFlashImage(job.directory, image, job.row.*kind.pattern) != RET_OK) {
+    if (!find_again(job, kind, image)) {
         Print(1, "%s: %s\n\n", kind.missing, image);
         return RET_OK;
+    }
+    if (noted_signal() != 0) {
+        Print(1, "Error: Interrupted, nothing more is flashed.\n");
+        return RET_FLASH_ERROR;
     }
     if (active_option_simulate == 0 && !exists(pHBAFlashCmdPath)) {
         Print(1, "Error: Flash command %s is not available: %s\n\n", pHBAFlashCmdPath,
@@ -162,13 +193,13 @@ exit_status flash_image(const flash_job& job, const image_kind& kind) {
     const tool_command command = compose_download(job, image);
     Print(1, "%s: %s\n\n", kind.found, image);
     Print(1, "%s\t\tFlash command is: %s\n", kind.start, command.line.c_str());
-    const std::optional<int> status = run_command(command);
-    if (!status) {
+    if (is_refused(command)) {
         return RET_FLASH_ERROR;
     }
-    Print(1, "\t\t%s, flash command returned code %d.\n\n", *status == 0 ? "Success" : "Fail",
-          *status);
-    return *status == 0 ? RET_OK : RET_FLASH_ERROR;
+    const int status = run_command(command, command_kind::download);
+    Print(1, "\t\t%s, flash command returned code %d.\n\n", status == 0 ? "Success" : "Fail",
+          status);
+    return status == 0 ? RET_OK : RET_FLASH_ERROR;
 }
 
 }  // namespace
@@ -191,7 +222,8 @@ exit_status FlashBladeEngine(hba_info* port, fc_config_file_entry** row, global_
         print_missing_directory(pHBAFirmwarePath);
         return RET_FW_NOT_AVAILABLE;
     }
-    flash_job job{.port = *port, .row = **row, .directory = {}};
+    flash_job job{
+        .port = *port, .row = **row, .directory = {}, .firmware_image = {}, .bios_image = {}};
     exit_status status = compose_directory(job);
     if (status == RET_OK) {
         status = look_up_images(job);

@@ -110,7 +110,7 @@ exit_status collect_attributes_of(hba_info& port) {
     input_file file;
     const exit_status status = ask_about_port(
         attribute_query, port, identifier, shown_by_wwn ? port.PortWWN : port.PermanentMAC, file);
-    if (file == nullptr) {
+    if (file.stream == nullptr) {
         return status;
     }
     return read_port_attributes(file, port, identifier);
@@ -125,10 +125,11 @@ exit_status read_port_attributes(const input_file& file, hba_info& port, const c
             return status;
         }
     }
-    if (port.attributes == nullptr) {
+    const exit_status status = status_at_end(file);
+    if (status == RET_OK && port.attributes == nullptr) {
         Print(1, "\t\tNo attributes => SKIP!\n");
     }
-    return RET_OK;
+    return status;
 }
 
 exit_status collect_port_attributes() {

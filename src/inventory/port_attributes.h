@@ -5,10 +5,10 @@
 #include "inventory/port_records.h"
 
 /// Second stage of the collection: asks for the attributes of each port and hangs them on it.
-/// Gives 0, 51 when an output cannot be opened, 55 when a command was refused, 54 without
-/// memory; the first of these ends the stage.
+/// Gives 0, 51 when an output cannot be read or its command was refused, 54 without memory;
+/// the first of these ends the stage, and an interrupted process ends in it.
 exit_status collect_port_attributes();
 
 /// Reads an output of the attribute command into the port's `attributes`, which stays null when
-/// the output has no head line. `identifier` is the port's name in the command. Gives 0 or 54.
+/// the output has no head line. `identifier` is the port's name in the command. Gives 0, 51 or 54.
 exit_status read_port_attributes(const input_file& file, hba_info& port, const char* identifier);

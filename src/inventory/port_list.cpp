@@ -71,25 +71,38 @@ exit_status read_line(char* line, hba_info*& port, int& number) {
     return RET_OK;
 }
 
+constexpr char list_file_name[] = "local_hba_list.out";
+
 // With both levels at 0 the command's status is not looked at: the stage goes on with whatever
 // the file holds.
-exit_status run_listing() {
-    const tool_command command = compose_command(
-        "%s %s > %s/%s \n", {pHBAFlashCmdPath, "listhbas", pHBAWorkingPath, "local_hba_list.out"});
-    Print(6, "%s", command.line.c_str());
-    const std::optional<int> status = run_command(command);
-    if (!status) {
-        return RET_FATAL_ERROR;
-    }
+exit_status judge_listing(int status) {
     if (!level_shows(1)) {
         return RET_OK;
     }
-    if (*status != 0) {
-        Print(4, "\nFail, \"hbacmd listhbas\" command returned code %d.\n", *status);
+    if (status != 0) {
+        Print(4, "\nFail, \"hbacmd listhbas\" command returned code %d.\n", status);
         return RET_FATAL_ERROR;
     }
-    Print(6, "\nSuccess, \"hbacmd listhbas\" command returned code %d.\n", *status);
+    Print(6, "\nSuccess, \"hbacmd listhbas\" command returned code %d.\n", status);
     return RET_OK;
+}
+
+exit_status run_listing(const std::string& path) {
+    const tool_command command = compose_command(
+        "%s %s > %s/%s \n", {pHBAFlashCmdPath, "listhbas", pHBAWorkingPath, list_file_name});
+    Print(6, "%s", command.line.c_str());
+    if (is_refused(command)) {
+        return RET_FATAL_ERROR;
+    }
+    if (!remove_old_output(path)) {
+        print_not_opened(path);
+        return STATUS_OUTPUT_FILE_MISSING;
+    }
+    const exit_status status = judge_listing(run_command(command, command_kind::query));
+    if (status == RET_OK) {
+        end_by_noted_signal();
+    }
+    return status;
 }
 
 }  // namespace
@@ -103,14 +116,14 @@ exit_status read_port_list(const input_file& file) {
             return status;
         }
     }
-    return RET_OK;
+    return status_at_end(file);
 }
 
 exit_status collect_port_list() {
-    if (const exit_status status = run_listing()) {
+    const std::string path = fill_in("%s/%s", {pHBAWorkingPath, list_file_name});
+    if (const exit_status status = run_listing(path)) {
         return status;
     }
-    const std::string path = fill_in("%s/%s", {pHBAWorkingPath, "local_hba_list.out"});
-    const input_file file = open_for_reading(path.c_str());
-    return file == nullptr ? STATUS_OUTPUT_FILE_MISSING : read_port_list(file);
+    const input_file file = open_for_reading(path);
+    return file.stream == nullptr ? STATUS_OUTPUT_FILE_MISSING : read_port_list(file);
 }

@@ -4,9 +4,9 @@
 #include "base/lines.h"
 
 /// First stage of the collection: runs the listing command and opens a port in p_hba_info_list
-/// for each block of its output. Gives 0, 51 when the output cannot be opened, 55 when the
-/// command failed or was refused, 54 without memory.
+/// for each block of its output. Gives 0, 51 when the output cannot be read, 55 when the command
+/// failed or was refused, 54 without memory; an interrupted process ends here.
 exit_status collect_port_list();
 
-/// Reads an output of the listing command into p_hba_info_list. Gives 0 or 54.
+/// Reads an output of the listing command into p_hba_info_list. Gives 0, 51 or 54.
 exit_status read_port_list(const input_file& file);

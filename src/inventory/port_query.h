@@ -17,8 +17,8 @@ struct port_query {
 
 /// Asks the management tool about a port and opens its output. `identifier` is the port's name
 /// in the command, `shown` the one in the message on its status, which has no further effect.
-/// Gives 0 with `file` open, 0 with `file` empty for a port without a serial number (it is
-/// asked about, but its output is not read), 51 when the output cannot be opened, 55 when the
-/// command was refused.
+/// Gives 0 with `file` open, 0 without for a port without a serial number (it is asked about, but
+/// its output is not read), 51 when the output cannot be opened, was not to be replaced, or the
+/// command was refused. An interrupted process ends here.
 exit_status ask_about_port(const port_query& query, const hba_info& port, const char* identifier,
                            const char* shown, input_file& file);

@@ -71,7 +71,7 @@ exit_status collect_mapping_of(hba_info& port) {
     input_file file;
     const exit_status status =
         ask_about_port(mapping_query, port, port.PortWWN, port.PortWWN, file);
-    if (file == nullptr) {
+    if (file.stream == nullptr) {
         return status;
     }
     return read_target_mapping(file, port);
@@ -86,7 +86,7 @@ exit_status read_target_mapping(const input_file& file, hba_info& port) {
             return status;
         }
     }
-    return RET_OK;
+    return status_at_end(file);
 }
 
 exit_status collect_target_mappings() {

@@ -5,10 +5,10 @@
 #include "inventory/port_records.h"
 
 /// Third stage of the collection: asks each FC or FCoE port for its storage and hangs that on
-/// it. Gives 0, 51 when an output cannot be opened, 55 when a command was refused, 54 without
-/// memory; the first of these ends the stage.
+/// it. Gives 0, 51 when an output cannot be read or its command was refused, 54 without memory; the
+/// first of these ends the stage, and an interrupted process ends in it.
 exit_status collect_target_mappings();
 
 /// Reads an output of the mapping command into the port's `target_mapping`, which stays null
-/// when no line behind the head has a colon. Gives 0 or 54.
+/// when no line behind the head has a colon. Gives 0, 51 or 54.
 exit_status read_target_mapping(const input_file& file, hba_info& port);

@@ -30,5 +30,6 @@ void reset_run() {
 
 input_file text_file(std::string_view text) {
     // fmemopen only reads in this mode, though it asks for text that may be written.
-    return input_file(fmemopen(const_cast<char*>(text.data()), text.size(), "r"));
+    FILE* stream = fmemopen(const_cast<char*>(text.data()), text.size(), "r");
+    return {.stream = decltype(input_file::stream)(stream), .path = "text"};
 }

@@ -15,7 +15,14 @@ namespace {
 
 const char variables[] =
     "export C1=F1A0:4201:F1A0:0011 C2=F1A0:4201:F2B0:0012 C3=F1A0:8402:F1A0:0021 "
-    "C4=F1A0:8402:F2B0:0022 T=opt/emulex/ocmanager/bin REAL_TOOL=" REAL_TOOL "\n";
+    "C4=F1A0:8402:F2B0:0022 T=opt/emulex/ocmanager/bin REAL_TOOL=" REAL_TOOL
+    "\n"
+    "faults() { echo \"$@\" > $T/answers/faults.txt; }\n"
+    "start() { env --default-signal=INT,QUIT setsid ./cnatool \"$@\" & tool=$!; }\n"
+    "after() { until grep -qs \"$1\" $T/calls.log; do sleep 0.02; done; }\n"
+    "as_nobody() { u=; test $(id -u) -ne 0 || u='setpriv --reuid 65534 --clear-groups'; $u \"$@\"; "
+    "}"
+    "\n";
 
 std::string unescaped(const std::string& text) {
     const std::map<char, char> meanings{
