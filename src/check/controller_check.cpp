@@ -32,11 +32,6 @@ void print_header(int level, const hba_info& port) {
     print_port(level, "\t\t", port);
 }
 
-bool fits_names(const hba_info& port, const fc_config_file_entry& row) {
-    return string_view(port.Mfg).starts_with(row.vendor) &&
-           string_view(port.Model).starts_with(row.model);
-}
-
 void compare_within_controller(const hba_info& port, bool valid, controller_state& state,
                                global_ctrl_flags& flags) {
     if (state.ctrl_reference == nullptr) {
@@ -126,7 +121,13 @@ walk check_member(hba_info& port, fc_config_file_entry** row, controller_state& 
     return check_storage(port, row, state, flags);
 }
 
-// The chain from its head to its end; a chain that leads back to a member ends there.
+}  // namespace
+
+bool fits_names(const hba_info& port, const fc_config_file_entry& row) {
+    return string_view(port.Mfg).starts_with(row.vendor) &&
+           string_view(port.Model).starts_with(row.model);
+}
+
 std::vector<hba_info*> chain_of(const hba_info& flash_port) {
     std::vector<hba_info*> members;
     for (hba_info* member = flash_port.next_ctrl_port;
@@ -136,8 +137,6 @@ std::vector<hba_info*> chain_of(const hba_info& flash_port) {
     }
     return members;
 }
-
-}  // namespace
 
 bool NewCompareWithReferenceSystem(const hba_info* reference, const hba_info* other) {
     return reference->target_mapping != nullptr && other->target_mapping != nullptr &&

@@ -143,11 +143,11 @@ bool CheckModelGroupConsistency(const char* group, const char* references) {
     return false;
 }
 
-bool DoIndividualSubSystemCheck(const hba_info* port, fc_config_file_entry** row,
-                                global_ctrl_flags* flags) {
-    const target_mapping_entry& target = *port->target_mapping;
+const fc_periphery_info* find_allowing_triple(const target_mapping_entry& target,
+                                              const fc_config_file_entry& row) {
+    const fc_periphery_info* allowing = nullptr;
     product_state state;
-    for (const fc_periphery_info* triple = (*row)->periphery_list; triple != nullptr;
+    for (const fc_periphery_info* triple = row.periphery_list; triple != nullptr;
          triple = triple->next) {
         if (is_blank(triple->vendor) || string_view(triple->vendor) != target.VendorID) {
             continue;
@@ -156,11 +156,20 @@ bool DoIndividualSubSystemCheck(const hba_info* port, fc_config_file_entry** row
         Print(1, "\t\tAttached storage sub-system:\n");
         print_subsystem(1, target);
         test_products(state, triple->product_list, target.ProductID);
+        if (state.accepted && allowing == nullptr) {
+            allowing = triple;
+        }
         if (group_settles(state, triple->product_list)) {
             break;
         }
     }
-    if (state.accepted) {
+    return allowing;
+}
+
+bool DoIndividualSubSystemCheck(const hba_info* port, fc_config_file_entry** row,
+                                global_ctrl_flags* flags) {
+    const target_mapping_entry& target = *port->target_mapping;
+    if (find_allowing_triple(target, **row) != nullptr) {
         Print(1, "\n");
         return true;
     }

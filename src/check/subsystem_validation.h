@@ -4,6 +4,11 @@
 #include "inventory/port_records.h"
 #include "walk/run_flags.h"
 
+/// The first entry of the row's list by which this storage is allowed; null when none allows it.
+/// Says at level 1 what was tried.
+const fc_periphery_info* find_allowing_triple(const target_mapping_entry& target,
+                                              const fc_config_file_entry& row);
+
 /// Whether the storage attached to the port, which must have a target_mapping, is allowed by
 /// the row in this slot of fc_config_entry_list. If not,
 /// InvalidCtrlSubsystemCombinationFound is set.
