@@ -20,13 +20,14 @@ void print_skipped_port(const hba_info& port) {
 }
 
 // A selection by two identifiers is content with two here; the flash walk asks for all four.
-void check_port(const hba_info& port, bool all_four, global_ctrl_flags& flags) {
+void check_port(const hba_info& port, bool all_four, global_ctrl_flags& flags,
+                const check_step& step) {
     int place = 0;
     for (fc_config_file_entry*& row : entries(fc_config_entry_list)) {
         ++place;
         if (fits_row(port, *row, all_four)) {
             print_fitting_row(*row, place);
-            DoSubSystemCheck(&port, &row, &flags);
+            step(&port, &row, &flags);
         }
     }
 }
@@ -46,7 +47,8 @@ bool check_passed(const global_ctrl_flags& flags) {
 
 }  // namespace
 
-bool OverallSubSystemCheck(const option_input* selection, global_ctrl_flags* flags) {
+bool OverallSubSystemCheck(const option_input* selection, global_ctrl_flags* flags,
+                           const check_step& step) {
     flags->CtrlVendorSpecificSubsystemEquality = 1;
     Print(3, "\n\n%s\n", star_ruler);
     for (; selection != nullptr; selection = selection->next) {
@@ -55,7 +57,7 @@ bool OverallSubSystemCheck(const option_input* selection, global_ctrl_flags* fla
                 print_skipped_port(*port);
             } else if (fits_selection(*port, *selection)) {
                 flags->MatchingCtrlModelInstalled = 1;
-                check_port(*port, selects_by_four_ids(*selection), *flags);
+                check_port(*port, selects_by_four_ids(*selection), *flags, step);
             }
         }
     }

@@ -114,12 +114,13 @@ struct open_row {
     fc_periphery_info* triple = nullptr;  // the one begun last
 };
 
-exit_status begin_row(open_row& open) {
+exit_status begin_row(open_row& open, const position& at) {
     open.row = get_new_config_file_entry();
     if (open.row == nullptr) {
         Print(1, "Could not allocate memory for new fc_config_file entry.\n");
         return RET_MEMALLOC_FAIL;
     }
+    open.row->line = at.line;
     open.link = &open.row->periphery_list;
     return RET_OK;
 }
@@ -181,7 +182,7 @@ exit_status read_line(std::string_view line, position at) {
     }
     open_row open;
     for (; const auto part = next_part(line, '|'); ++at.column) {
-        exit_status status = at.column == 0 ? begin_row(open) : RET_OK;
+        exit_status status = at.column == 0 ? begin_row(open, at) : RET_OK;
         if (status == RET_OK) {
             status = store_column(open, *part, at);
         }

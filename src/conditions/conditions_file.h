@@ -33,6 +33,7 @@ struct fc_config_file_entry {
     char col11_text[84];
     char col12_text[20];
     fc_periphery_info* periphery_list;  ///< null: no storage is allowed
+    std::int32_t line;  ///< of the file, counted from 1 as in the messages; no walk reads it
 };
 
 /// The table's rows in file order, ended by a null entry; null while there is no row. Rows and

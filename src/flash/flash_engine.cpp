@@ -15,28 +15,19 @@
 
 namespace {
 
-/// What is flashed from where onto what; the directory ends in a slash once it is settled.
-struct flash_job {
-    const hba_info& port;
-    const fc_config_file_entry& row;
-    char directory[path_width];
-    char firmware_image[image_path_width];  // as looked up before anything is sent
-    char bios_image[image_path_width];
-};
-
 /// One kind of image and the texts that go with it.
 struct image_kind {
     char (fc_config_file_entry::*pattern)[80];
-    char (flash_job::*image)[image_path_width];
-    const char* search;   ///< the pattern is looked for
-    const char* found;    ///< the image is about to be flashed
-    const char* missing;  ///< it is gone since it was looked up
-    const char* start;    ///< the command line follows
+    char (flash_job::*image)[image_path_width];  ///< where the look-up puts what it found
+    const char* search;                          ///< the pattern is looked for
+    const char* found;                           ///< the image is about to be flashed
+    const char* missing;                         ///< it is gone since it was looked up
+    const char* start;                           ///< the command line follows
 };
 
 constexpr image_kind firmware{
     .pattern = &fc_config_file_entry::firmware_file,
-    .image = &flash_job::firmware_image,
+    .image = &flash_job::firmware,
     .search = "\t\tLook for firmware file",
     .found = "\t\t\tFirmware file found",
     .missing = "\t\t\tFirmware file is not available",
@@ -45,7 +36,7 @@ constexpr image_kind firmware{
 
 constexpr image_kind bios{
     .pattern = &fc_config_file_entry::bios_file,
-    .image = &flash_job::bios_image,
+    .image = &flash_job::bios,
     .search = "\t\tLook for BIOS file",
     .found = "\t\t\tBIOS file found",
     .missing = "\t\t\tBIOS file is not available",
@@ -122,11 +113,13 @@ tool_command compose_download(const flash_job& job, const char* image) {
 
 // A command that would be refused is refused here: behind it nothing has been flashed yet.
 exit_status look_up(flash_job& job, const image_kind& kind) {
-    char(&image)[image_path_width] = job.*kind.image;
+    auto& image = job.*kind.image;
     const char* pattern = job.row.*kind.pattern;
     if (FindFlashImage(job.directory, image, pattern) == RET_OK) {
         Print(1, "\t\tFound BIOS- or firmware-image: %s '%s'\n", image, pattern);
-        return is_refused(compose_download(job, image)) ? RET_FLASH_ERROR : RET_OK;
+        const tool_command command = compose_download(job, image);
+        job.unsafe = job.unsafe || !command.unsafe_value.empty();
+        return is_refused(command) ? RET_FLASH_ERROR : RET_OK;
     }
     if (!exists(job.directory)) {
         Print(1, "Error: Firmware directory is not available: %s\n\n", job.directory);
@@ -211,6 +204,11 @@ void print_flash_port_line(const hba_info& port) {
           port.Mfg, port.Model, port.SerialNo, port.PortType, port.PortNumber, port.PCIFunction);
 }
 
+exit_status settle_flash_job(flash_job& job) {
+    const exit_status status = compose_directory(job);
+    return status != RET_OK ? status : look_up_images(job);
+}
+
 exit_status FlashBladeEngine(hba_info* port, fc_config_file_entry** row, global_ctrl_flags* flags) {
     flags->MatchingCtrlModelInstalled = 1;
     if (port->flash_port->flash_done) {
@@ -222,12 +220,8 @@ exit_status FlashBladeEngine(hba_info* port, fc_config_file_entry** row, global_
         print_missing_directory(pHBAFirmwarePath);
         return RET_FW_NOT_AVAILABLE;
     }
-    flash_job job{
-        .port = *port, .row = **row, .directory = {}, .firmware_image = {}, .bios_image = {}};
-    exit_status status = compose_directory(job);
-    if (status == RET_OK) {
-        status = look_up_images(job);
-    }
+    flash_job job{.port = *port, .row = **row};
+    exit_status status = settle_flash_job(job);
     if (status == RET_OK) {
         status = flash_image(job, firmware);
     }

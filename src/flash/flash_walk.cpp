@@ -16,7 +16,7 @@ void print_skipped_port(const hba_info& port) {
 }
 
 // All four identifiers of the port decide, however many the selection names.
-exit_status flash_fitting_rows(hba_info& port, global_ctrl_flags& flags) {
+exit_status flash_fitting_rows(hba_info& port, global_ctrl_flags& flags, const flash_step& step) {
     int place = 0;
     for (fc_config_file_entry*& row : entries(fc_config_entry_list)) {
         ++place;
@@ -25,7 +25,7 @@ exit_status flash_fitting_rows(hba_info& port, global_ctrl_flags& flags) {
         }
         Print(6, "\t%s\n\n", dash_ruler);
         print_fitting_row(*row, place);
-        if (const exit_status status = FlashBladeEngine(&port, &row, &flags)) {
+        if (const exit_status status = step(&port, &row, &flags)) {
             return status;
         }
     }
@@ -34,7 +34,8 @@ exit_status flash_fitting_rows(hba_info& port, global_ctrl_flags& flags) {
 
 }  // namespace
 
-exit_status OverallFlashBladeEngine(const option_input* selection, global_ctrl_flags* flags) {
+exit_status OverallFlashBladeEngine(const option_input* selection, global_ctrl_flags* flags,
+                                    const flash_step& step) {
     for (; selection != nullptr; selection = selection->next) {
         for (hba_info* port : entries(p_hba_info_list)) {
             if (!has_serial_number(*port)) {
@@ -45,7 +46,7 @@ exit_status OverallFlashBladeEngine(const option_input* selection, global_ctrl_f
                 continue;
             }
             flags->MatchingCtrlModelInstalled = 1;
-            if (const exit_status status = flash_fitting_rows(*port, *flags)) {
+            if (const exit_status status = flash_fitting_rows(*port, *flags, step)) {
                 return status;
             }
         }

@@ -31,25 +31,39 @@ bool fits_pattern(string_view name, string_view pattern) {
     return name.starts_with(pattern);
 }
 
+// Hands every entry that fits to `take`, with its whole path, until that gives false.
+template <typename Take>
+void each_image(const char* directory, const char* pattern, const Take& take) {
+    const std::unique_ptr<DIR, directory_closer> stream(*pattern == '\0' ? nullptr
+                                                                         : opendir(directory));
+    while (const dirent* entry = stream == nullptr ? nullptr : readdir(stream.get())) {
+        const string_view name = entry->d_name;
+        const bool has_room = string_view(directory).size() + name.size() < image_path_width;
+        if (fits_pattern(name, pattern) && has_room && !take(name)) {
+            return;
+        }
+    }
+}
+
 }  // namespace
 
 exit_status FindFlashImage(const char* directory, char (&result)[image_path_width],
                            const char* pattern) {
-    if (*pattern == '\0') {
-        return RET_FW_NOT_AVAILABLE;
-    }
-    const std::unique_ptr<DIR, directory_closer> stream(opendir(directory));
-    if (stream == nullptr) {
-        return RET_FW_NOT_AVAILABLE;
-    }
-    while (const dirent* entry = readdir(stream.get())) {
-        const string_view name = entry->d_name;
-        const bool has_room = string_view(directory).size() + name.size() < image_path_width;
-        if (fits_pattern(name, pattern) && has_room) {
-            set_text(result, directory);
-            append_text(result, name);
-            return RET_OK;
-        }
-    }
-    return RET_FW_NOT_AVAILABLE;
+    exit_status status = RET_FW_NOT_AVAILABLE;
+    each_image(directory, pattern, [&](string_view name) {
+        set_text(result, directory);
+        append_text(result, name);
+        status = RET_OK;
+        return false;
+    });
+    return status;
+}
+
+std::vector<std::string> fitting_images(const char* directory, const char* pattern) {
+    std::vector<std::string> names;
+    each_image(directory, pattern, [&](string_view name) {
+        names.emplace_back(name);
+        return true;
+    });
+    return names;
 }

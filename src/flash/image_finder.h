@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 #include "base/exit_status.h"
 
@@ -11,3 +13,6 @@ inline constexpr std::size_t image_path_width = 1024;
 /// directory and name into `result` and gives 0; else gives 20 and leaves `result` alone.
 exit_status FindFlashImage(const char* directory, char (&result)[image_path_width],
                            const char* pattern);
+
+/// The names of all entries that FindFlashImage could take, in the order of the directory.
+std::vector<std::string> fitting_images(const char* directory, const char* pattern);

@@ -61,7 +61,7 @@ constexpr key_row<entry> attribute_keys[] = {
 
 constexpr port_query attribute_query{
     .word = "hbaattributes",
-    .file_name = "hba_attributes.out",
+    .file_name = attributes_file_name,
     .command_format = "\n\t\t%s %s %s > %s/%s_%s_%s\n",
     .success = "\n\t\tSuccess",
     .failure = "\n\t\tFail",

@@ -4,6 +4,9 @@
 #include "base/lines.h"
 #include "inventory/port_records.h"
 
+/// The end of the names of this stage's outputs.
+inline constexpr char attributes_file_name[] = "hba_attributes.out";
+
 /// Second stage of the collection: asks for the attributes of each port and hangs them on it.
 /// Gives 0, 51 when an output cannot be read or its command was refused, 54 without memory;
 /// the first of these ends the stage, and an interrupted process ends in it.

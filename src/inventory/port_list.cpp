@@ -1,7 +1,5 @@
 #include "inventory/port_list.h"
 
-#include <string>
-
 #include "base/lines.h"
 #include "base/output.h"
 #include "call/paths.h"
@@ -10,6 +8,8 @@
 #include "inventory/port_records.h"
 
 namespace {
+
+constexpr char list_file_name[] = "local_hba_list.out";
 
 using port_key = key_row<hba_info>;
 
@@ -71,8 +71,6 @@ exit_status read_line(char* line, hba_info*& port, int& number) {
     return RET_OK;
 }
 
-constexpr char list_file_name[] = "local_hba_list.out";
-
 // With both levels at 0 the command's status is not looked at: the stage goes on with whatever
 // the file holds.
 exit_status judge_listing(int status) {
@@ -119,8 +117,10 @@ exit_status read_port_list(const input_file& file) {
     return status_at_end(file);
 }
 
+std::string port_list_path() { return fill_in("%s/%s", {pHBAWorkingPath, list_file_name}); }
+
 exit_status collect_port_list() {
-    const std::string path = fill_in("%s/%s", {pHBAWorkingPath, list_file_name});
+    const std::string path = port_list_path();
     if (const exit_status status = run_listing(path)) {
         return status;
     }

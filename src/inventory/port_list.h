@@ -1,7 +1,12 @@
 #pragma once
 
+#include <string>
+
 #include "base/exit_status.h"
 #include "base/lines.h"
+
+/// The path of this stage's output.
+std::string port_list_path();
 
 /// First stage of the collection: runs the listing command and opens a port in p_hba_info_list
 /// for each block of its output. Gives 0, 51 when the output cannot be read, 55 when the command

@@ -39,11 +39,14 @@ void run_query(const port_query& query, const tool_command& command, const char*
 
 }  // namespace
 
+std::string output_path(const hba_info& port, const char* file_name) {
+    return fill_in("%s/%s_%s_%s", {pHBAWorkingPath, port.SerialNo, port.PCIFunction, file_name});
+}
+
 exit_status ask_about_port(const port_query& query, const hba_info& port, const char* identifier,
                            const char* shown, input_file& file) {
     const tool_command command = compose_query(query, port, identifier);
-    const std::string path =
-        fill_in("%s/%s_%s_%s", {pHBAWorkingPath, port.SerialNo, port.PCIFunction, query.file_name});
+    const std::string path = output_path(port, query.file_name);
     Print(6, "%s", command.line.c_str());
     const bool is_run = !is_refused(command) && remove_old_output(path);
     if (is_run) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "base/exit_status.h"
 #include "base/lines.h"
 #include "inventory/port_records.h"
@@ -14,6 +16,9 @@ struct port_query {
     const char* failure;  ///< begins the message on any other status
     const char* indent;
 };
+
+/// The path of an output about a port with a serial number.
+std::string output_path(const hba_info& port, const char* file_name);
 
 /// Asks the management tool about a port and opens its output. `identifier` is the port's name
 /// in the command, `shown` the one in the message on its status, which has no further effect.

@@ -29,7 +29,7 @@ constexpr key_row<entry> mapping_keys[] = {
 
 constexpr port_query mapping_query{
     .word = "targetmapping",
-    .file_name = "target_mapping.out",
+    .file_name = mapping_file_name,
     .command_format = "\n\t\t\t%s %s %s > %s/%s_%s_%s\n",
     .success = "\n\t\t\tSuccess",
     .failure = "\n\n\t\t\tFail",

@@ -4,6 +4,9 @@
 #include "base/lines.h"
 #include "inventory/port_records.h"
 
+/// The end of the names of this stage's outputs.
+inline constexpr char mapping_file_name[] = "target_mapping.out";
+
 /// Third stage of the collection: asks each FC or FCoE port for its storage and hangs that on
 /// it. Gives 0, 51 when an output cannot be read or its command was refused, 54 without memory; the
 /// first of these ends the stage, and an interrupted process ends in it.
