@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <sstream>
 
 #include "base/list.h"
 #include "base/output.h"
 #include "base/text.h"
 #include "call/options.h"
-#include "call/paths.h"
 #include "inventory/flash_ports.h"
 #include "inventory/management_tool.h"
 #include "inventory/port_attributes.h"
@@ -20,91 +20,98 @@ namespace {
 
 using std::string;
 
-string list_echo(const string& text) {
-    reset_run();
-    VerboseLevel = 6;
-    return output_of([&] { EXPECT_EQ(read_port_list(text_file(text)), RET_OK); });
+// --- the readers of the management tool's output --------------------------------------------
+
+string read_list(const string& text) {
+    EXPECT_EQ(read_port_list(text_file(text)), RET_OK);
+    string kept;
+    for (const hba_info* port : entries(p_hba_info_list)) {
+        for (const char* field : {port->PortWWN, port->PermanentMAC, port->SerialNo, port->Mode,
+                                  port->Model, port->PCIFunction}) {
+            kept += string(field) + ";";
+        }
+        kept += string(port->PortType) + ", ";
+    }
+    return kept.substr(0, kept.rfind(','));
 }
 
-TEST(PortList, BlocksBecomePorts) {
-    EXPECT_EQ(list_echo("Manageable HBA List\n\nSerial No : EARLY\n"
-                        "Port WWN    :   10:00\nNode WWN : 20:00\n Mfg : no key\nSerial No : one\n"
-                        "Serial No : SN-1\nMode : Initiator\nModel :  M \"1\"\nPort Type: FCoE\n"
-                        "PCI Function SN\nHost Name :\n"
-                        "Permanent MAC : 02-00\nPort Typex :\"iSCSI\"\nPort Number:1\n\n"
-                        "Port WWN without a colon\nFlags :"),
-              "\n1)\tPortWWN:   10:00\n\tNodeWWN: 20:00\n\tone\n\tSN-1\n\tInitiator\n\tM  1\n"
-              "\tFCoE\n\t\n\n2)\tPermanentMAC: 02-00\n\tiSCSI\n\t\n\t\n");
-    ASSERT_EQ(entries(p_hba_info_list).size(), 3U);
-    const hba_info& first = *p_hba_info_list[0];
-    EXPECT_STREQ(first.PortWWN, "10:00");
-    EXPECT_STREQ(first.PermanentMAC, "");
-    EXPECT_STREQ(first.SerialNo, "SN-1");
-    EXPECT_STREQ(first.Mode, "Initiator");
-    EXPECT_STREQ(first.Model, "M  1");
-    EXPECT_STREQ(first.PCIFunction, "");
-    EXPECT_STREQ(p_hba_info_list[1]->PermanentMAC, "02-00");
-    EXPECT_STREQ(p_hba_info_list[1]->PortWWN, "");
-    EXPECT_STREQ(p_hba_info_list[1]->PortType, "iSCSI");
-    EXPECT_STREQ(p_hba_info_list[1]->PortNumber, "");
-    EXPECT_STREQ(p_hba_info_list[2]->PortWWN, "");
-
-    EXPECT_EQ(list_echo("Serial No : 1\nModel : 2\n"), "");
-    EXPECT_EQ(p_hba_info_list, nullptr);
-}
-
-hba_info read_attributes(const string& text, string* echo = nullptr) {
+string read_attributes(const string& text) {
     hba_info port{};
-    const string out =
-        output_of([&] { EXPECT_EQ(read_port_attributes(text_file(text), port, "WWN-1"), RET_OK); });
-    if (echo != nullptr) {
-        *echo = out;
+    EXPECT_EQ(read_port_attributes(text_file(text), port, "WWN"), RET_OK);
+    if (port.attributes == nullptr) {
+        return "none";
     }
-    return port;
+    const hba_attributes_entry& a = *port.attributes;
+    char ids[64];
+    std::snprintf(ids, sizeof ids, " %x:%x:%x:%x", a.vendor_id, a.device_id, a.subvendor_id,
+                  a.subdevice_id);
+    return string(a.ModelDesc) + ids;
 }
 
-TEST(PortAttributes, LinesBehindTheHeadFillTheEntry) {
+string read_mapping(const string& text) {
+    hba_info port{};
+    set_text(port.PortWWN, "WWN");
+    EXPECT_EQ(read_target_mapping(text_file(text), port), RET_OK);
+    const target_mapping_entry* entry = port.target_mapping;
+    return entry == nullptr ? "none" : string(entry->VendorID) + "/" + entry->ProductID;
+}
+
+TEST(Readers, LinesFillRecordsAndAreEchoed) {
+    std::map<string, string (*)(const string&)> readers{
+        {"list", read_list}, {"attributes", read_attributes}, {"mapping", read_mapping}};
+    expect_table("readings.txt", [&](test_case& c) {
+        VerboseLevel = 6;
+        string kept;
+        const string echo = output_of([&] { kept = readers.at(c["reader"])(c["output"]); });
+        return echo + "=>" + kept;
+    });
+}
+
+// A value of 5,000 characters fills the field of its key, and of the record nothing else; so no
+// key stands behind one that it begins with.
+template <typename Record>
+void expect_kept(std::span<const key_row<Record>> keys, Record& (*read)(const string&)) {
+    static const Record empty{};
+    for (const key_row<Record>& row : keys) {
+        if (row.field == nullptr) {
+            continue;
+        }
+        Record record = read(string(row.key) + " : " + string(5000, 'x') + "\n");
+        const std::span<char> field = row.field(record);
+        EXPECT_EQ(field.data(), string(field.size() - 1, 'x')) << row.key;
+        std::fill(field.begin(), field.end(), '\0');
+        if (row.number != nullptr) {
+            record.*row.number = 0;
+        }
+        EXPECT_EQ(std::memcmp(&record, &empty, sizeof empty), 0) << row.key;
+    }
+}
+
+TEST(Readers, LongValuesStayInTheirField) {
     reset_run();
-    VerboseLevel = 6;
-    string echo;
-    hba_info port = read_attributes(
-        "Device ID : 1111\nHBA Attributes for x\nDevice ID\nModel Desc : long\nModel : M1\n"
-        "Vendor Spec ID : 0x19A2\nDevice ID : 0710\nSub Vendor ID : oops\nSub Device ID :\n",
-        &echo);
-    EXPECT_EQ(
-        echo,
-        "\n\t\tHBA Attributes for WWN-1\n\n\t\t\n\t\tM1\n\t\t0x19\n\t\t0710\n\t\toops\n\t\t\n");
-    ASSERT_NE(port.attributes, nullptr);
-    EXPECT_STREQ(port.attributes->ModelDesc, "long");
-    EXPECT_EQ(port.attributes->vendor_id, 0x19a2);  // of the whole value, not of its cut text
-    EXPECT_EQ(port.attributes->device_id, 0x710);
-    EXPECT_EQ(port.attributes->subvendor_id, -1);
-    EXPECT_EQ(port.attributes->subdevice_id, -1);
-
-    port = read_attributes("HBA Attributes for a\nDevice ID : 1\nHBA Attributes for b\n");
-    EXPECT_EQ(port.attributes->device_id, 0);
-
-    VerboseLevel = 1;
-    EXPECT_EQ(read_attributes("Device ID : 1\n", &echo).attributes, nullptr);
-    EXPECT_EQ(echo, "\t\tNo attributes => SKIP!\n");
-}
-
-TEST(TargetMapping, TheLastUnitStands) {
-    for (test_case& c : cases("mappings.txt")) {
-        reset_run();
-        hba_info port{};
-        EXPECT_EQ(read_target_mapping(text_file(c["output"]), port), RET_OK);
-        const target_mapping_entry* entry = port.target_mapping;
-        EXPECT_EQ(entry == nullptr ? "none" : string(entry->VendorID) + "/" + entry->ProductID,
-                  c["storage"]);
-    }
+    expect_kept<hba_info>(port_list_keys(), [](const string& text) -> hba_info& {
+        EXPECT_EQ(read_port_list(text_file("Port WWN :\n" + text)), RET_OK);
+        return *entries(p_hba_info_list).back();
+    });
+    static hba_info port;
+    expect_kept<hba_attributes_entry>(
+        port_attribute_keys(), [](const string& text) -> hba_attributes_entry& {
+            EXPECT_EQ(read_port_attributes(text_file("HBA Attributes for\n" + text), port, ""),
+                      RET_OK);
+            return *port.attributes;
+        });
+    expect_kept<target_mapping_entry>(
+        target_mapping_keys(), [](const string& text) -> target_mapping_entry& {
+            port.target_mapping = nullptr;
+            EXPECT_EQ(read_target_mapping(text_file("\n\n\n\n" + text), port), RET_OK);
+            return *port.target_mapping;
+        });
 }
 
 // --- order and flash ports ----------------------------------------------------------------
 
 // Ports "TYPE SERIAL FUNCTION[/NUMBER]", separated by commas.
 void make_ports(const string& text) {
-    reset_run();
     std::istringstream list(text);
     for (string word; std::getline(list >> std::ws, word, ',');) {
         hba_info& port = *get_new_hba_info_entry();
@@ -125,16 +132,16 @@ string place_of(const hba_info* port) {
 }
 
 TEST(PortOrdering, PortsComeTogetherByController) {
-    for (test_case& c : cases("orders.txt")) {
+    expect_table("orders.txt", [](test_case& c) {
         make_ports(c["ports"]);
         EXPECT_EQ(Classify_Ctrl_List(), 0);
-        string text;
+        string order;
         for (const hba_info* port : entries(p_hba_info_list)) {
-            text += (text.empty() ? "" : ", ") + string(port->PortType) + " " + port->SerialNo +
-                    " " + port->PCIFunction;
+            order += string(order.empty() ? "" : ", ") + port->PortType + " " + port->SerialNo +
+                     " " + port->PCIFunction;
         }
-        EXPECT_EQ(text, c["order"]) << c["ports"];
-    }
+        return order;
+    });
 }
 
 string chain_of(const hba_info* flash_port) {
@@ -151,65 +158,15 @@ string chain_of(const hba_info* flash_port) {
 }
 
 TEST(FlashPorts, CandidatesAndChains) {
-    for (test_case& c : cases("chains.txt")) {
+    expect_table("chains.txt", [](test_case& c) {
         make_ports(c["ports"]);
         EXPECT_EQ(Determine_Flash_Ports(), 0);
+        string flash_ports;
         for (const hba_info* port : entries(p_hba_info_list)) {
-            EXPECT_EQ(place_of(port->flash_port), c["flash"]) << c["ports"];
+            flash_ports += place_of(port->flash_port) + " ";
         }
-        EXPECT_EQ(chain_of(p_hba_info_list[0]->flash_port), c["chain"]) << c["ports"];
-    }
-    make_ports("FCoE AB 1/1, iSCSI ABC 0/0");
-    Determine_Flash_Ports();
-    EXPECT_EQ(p_hba_info_list[0]->flash_port, p_hba_info_list[0]);
-    EXPECT_EQ(p_hba_info_list[1]->flash_port, p_hba_info_list[1]);
-}
-
-// --- hostile values -----------------------------------------------------------------------
-
-// Reads all keys with the value "v" and then one with 5,000 characters: of the whole record
-// only the characters of that field may change, and its terminator not.
-template <typename Record>
-void expect_kept(test_case keys, const std::function<Record(const string&)>& read) {
-    string block = keys.extract("head").mapped();
-    for (const auto& [key, width] : keys) {
-        block += key + " : v\n";
-    }
-    const Record before = read(block);
-    for (const auto& [key, width_text] : keys) {
-        const std::size_t width = std::stoul(width_text);
-        const Record after = read(block + key + " : " + string(5000, 'x') + "\n");
-        const auto* a = reinterpret_cast<const char*>(&before);
-        const auto* b = reinterpret_cast<const char*>(&after);
-        const auto [first, second] = std::mismatch(a, a + sizeof before, b);
-        EXPECT_STREQ(first, "v") << key;
-        EXPECT_EQ(string(second), string(width - 1, 'x')) << key;
-        EXPECT_TRUE(std::equal(first + width, a + sizeof before, second + width)) << key;
-    }
-}
-
-TEST(LongValues, StayInTheirField) {
-    reset_run();
-    const std::vector<test_case> keys = cases("keys.txt");
-    expect_kept<hba_info>(keys.at(0), [](const string& text) {
-        release_port_records();
-        EXPECT_EQ(read_port_list(text_file(text)), RET_OK);
-        return *p_hba_info_list[0];
+        return flash_ports + "->" + chain_of(p_hba_info_list[0]->flash_port);
     });
-    expect_kept<hba_attributes_entry>(
-        keys.at(1), [](const string& text) { return *read_attributes(text).attributes; });
-    expect_kept<target_mapping_entry>(keys.at(2), [](const string& text) {
-        hba_info port{};
-        EXPECT_EQ(read_target_mapping(text_file(text), port), RET_OK);
-        return *port.target_mapping;
-    });
-    release_port_records();
-    read_port_list(text_file("Port WWN : " + string(5000, 'x') +
-                             "\nPermanent MAC : " + string(5000, 'y') + "\n"));
-    EXPECT_EQ(p_hba_info_list[0]->PortWWN, string(23, 'x'));
-    EXPECT_STREQ(p_hba_info_list[0]->NodeWWN, "");
-    EXPECT_EQ(p_hba_info_list[1]->PermanentMAC, string(17, 'y'));
-    EXPECT_STREQ(p_hba_info_list[1]->CurrentMAC, "");
 }
 
 // --- commands -----------------------------------------------------------------------------

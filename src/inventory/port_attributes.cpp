@@ -4,7 +4,6 @@
 
 #include "base/list.h"
 #include "base/output.h"
-#include "inventory/output_lines.h"
 #include "inventory/port_query.h"
 
 namespace {
@@ -117,6 +116,8 @@ exit_status collect_attributes_of(hba_info& port) {
 }
 
 }  // namespace
+
+std::span<const key_row<entry>> port_attribute_keys() { return attribute_keys; }
 
 exit_status read_port_attributes(const input_file& file, hba_info& port, const char* identifier) {
     char line[line_width];

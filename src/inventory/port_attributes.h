@@ -2,6 +2,7 @@
 
 #include "base/exit_status.h"
 #include "base/lines.h"
+#include "inventory/output_lines.h"
 #include "inventory/port_records.h"
 
 /// The end of the names of this stage's outputs.
@@ -11,6 +12,9 @@ inline constexpr char attributes_file_name[] = "hba_attributes.out";
 /// Gives 0, 51 when an output cannot be read or its command was refused, 54 without memory;
 /// the first of these ends the stage, and an interrupted process ends in it.
 exit_status collect_port_attributes();
+
+/// The keys of the attributes and the fields that they fill.
+std::span<const key_row<hba_attributes_entry>> port_attribute_keys();
 
 /// Reads an output of the attribute command into the port's `attributes`, which stays null when
 /// the output has no head line. `identifier` is the port's name in the command. Gives 0, 51 or 54.

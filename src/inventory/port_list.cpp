@@ -4,8 +4,6 @@
 #include "base/output.h"
 #include "call/paths.h"
 #include "inventory/management_tool.h"
-#include "inventory/output_lines.h"
-#include "inventory/port_records.h"
 
 namespace {
 
@@ -104,6 +102,8 @@ exit_status run_listing(const std::string& path) {
 }
 
 }  // namespace
+
+std::span<const port_key> port_list_keys() { return port_keys; }
 
 exit_status read_port_list(const input_file& file) {
     hba_info* port = nullptr;

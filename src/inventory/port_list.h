@@ -4,6 +4,8 @@
 
 #include "base/exit_status.h"
 #include "base/lines.h"
+#include "inventory/output_lines.h"
+#include "inventory/port_records.h"
 
 /// The path of this stage's output.
 std::string port_list_path();
@@ -12,6 +14,9 @@ std::string port_list_path();
 /// for each block of its output. Gives 0, 51 when the output cannot be read, 55 when the command
 /// failed or was refused, 54 without memory; an interrupted process ends here.
 exit_status collect_port_list();
+
+/// The keys of the listing and the fields that they fill.
+std::span<const key_row<hba_info>> port_list_keys();
 
 /// Reads an output of the listing command into p_hba_info_list. Gives 0, 51 or 54.
 exit_status read_port_list(const input_file& file);

@@ -4,7 +4,6 @@
 
 #include "base/list.h"
 #include "base/output.h"
-#include "inventory/output_lines.h"
 #include "inventory/port_query.h"
 
 namespace {
@@ -78,6 +77,8 @@ exit_status collect_mapping_of(hba_info& port) {
 }
 
 }  // namespace
+
+std::span<const key_row<entry>> target_mapping_keys() { return mapping_keys; }
 
 exit_status read_target_mapping(const input_file& file, hba_info& port) {
     char line[line_width];

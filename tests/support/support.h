@@ -21,15 +21,24 @@ extern long allocations_left;
 std::string read_file(const std::filesystem::path& path);
 void write_file(const std::filesystem::path& path, std::string_view text);
 
-/// A text of the folder of expected texts.
-std::string golden(std::string_view name);
+/// `text` with `with` in all places of `what`.
+std::string replaced(std::string text, std::string_view what, std::string_view with);
 
-/// A case of a table: what stands behind "key: ", with \n, \t, \r and \\ resolved; a missing
-/// key is empty.
+/// A text of the folder of expected texts, with the lines that show at this level. "3|" before a
+/// line says from which level on it and the blank lines behind it show.
+std::string golden(std::string_view name, int level = 6);
+
+/// A case of a table by its keys; a missing key is empty. In values \n, \t, \r, \0 and \\ are
+/// resolved, \s is a blank, and x\{9} nine times x.
 using test_case = std::map<std::string, std::string>;
 
-/// The cases of a file of the folder of tables: lines "key: value", a blank line between cases.
+/// The cases of a file of the folder of tables. Lines "key: value", a blank line between cases; or
+/// rows whose cells follow a bar (or a tilde) each, the first row naming the keys. A line that
+/// begins with a number opens a case with that "status", its rest being what is "run".
 std::vector<test_case> cases(std::string_view name);
+
+/// Compares what `result_of` makes of each case of a table with the case's "result".
+void expect_table(std::string_view name, const std::function<std::string(test_case& c)>& result_of);
 
 /// A directory of its own, gone with its owner.
 struct scratch {
@@ -51,7 +60,9 @@ struct run_result {
 struct server : scratch {
     server();
     /// Runs a shell command line in the server's directory, "./cnatool ..." for one. It has C1 to
-    /// C4, the identifiers of the controllers, and T, the folder of the stand-in.
+    /// C4, the identifiers of the controllers, T, the folder of the stand-in, "fault", which puts
+    /// its words into the stand-in's list of faults, "storage", which gives the vendor of the
+    /// storage behind each of the two ports of C1, and "small_server".
     [[nodiscard]] run_result run(const std::string& command) const;
     /// The calls that reached the stand-in since the last time, one a line.
     [[nodiscard]] std::string calls() const;

@@ -1,0 +1,153 @@
+#!/usr/bin/env python3
+"""Puts one small fault at a time into a copy of the sources and names those that no test notices.
+
+Each worker builds, without optimisation, and tests a copy of its own; the checkout stays as it is.
+A fault that does not compile gives its place to the next. The same seed draws the same faults.
+"""
+import argparse
+import collections
+import os
+import pathlib
+import random
+import re
+import resource
+import shutil
+import subprocess
+import sys
+import tempfile
+import threading
+
+HERE = pathlib.Path(__file__).resolve().parent.parent
+WHOLE_RUNS = '^(Run|Misbehav)'  # they come last: what a cheaper test notices is settled before
+TEST_SECONDS = 40               # a test that takes longer has noticed the fault
+# Where a fault can be: a group of these in code whose texts are blanked out.
+PLACES = {'comparison': r' (==|!=|<=|>=|<|>) ',
+          'logic': r' (&&|\|\|) |\b(true|false)\b',
+          'constant': r'(?<![\w.])(?<!Print\()(\d+)U?(?![\w.])',
+          'level': r'\b(?:Print|print_\w+)\((\d)\b',
+          'text': r'"([^"]+)"',
+          'statement': r'^\s+((?=\S)(?!return\b|using\b|case\b)[^{}]*[(=+-][^{}]*;|break;|continue;)$',
+          'row': r'^\s+(\{.*\},)$'}
+OTHERS = {'==': ['!='], '!=': ['=='], '<': ['<=', '>'], '<=': ['<'], '>': ['>=', '<'],
+          '>=': ['>'], '&&': ['||'], '||': ['&&'], 'true': ['false'], 'false': ['true']}
+TEXT = re.compile(r'"(?:[^"\\]|\\.)*"|\'(?:[^\'\\]|\\.)*\'|//.*')
+
+
+def blanked(line):
+    """The line with its texts filled with tildes, without comments."""
+    def fill(match):
+        return '' if match[0][0] == '/' else match[0][0] + '~' * (len(match[0]) - 2) + match[0][-1]
+    return '' if line.lstrip().startswith('#') else TEXT.sub(fill, line).rstrip()
+
+
+def changed(kind, old, rng):
+    """What stands in place of `old`; the same where nothing fits."""
+    if kind == 'statement':
+        return ';'
+    if kind == 'text':  # a letter that belongs to no escape or placeholder
+        letters = [match.start() for match in re.finditer(r'(?<![\\%\d*])[A-Za-z>:=]', old)]
+        at = rng.choice(letters or [len(old)])
+        return old[:at] + 'X' * bool(letters) + old[at + 1:]
+    if kind in ('constant', 'level'):
+        low, high = (1, 6) if kind == 'level' else (0, sys.maxsize)
+        return str(rng.choice([n for n in (int(old) - 1, int(old) + 1) if low <= n <= high]))
+    return rng.choice(OTHERS[old])
+
+
+def faults(rng):
+    """All faults in a drawn order: path, number of the first line, kind, old and new lines."""
+    drawn = []
+    for path in sorted(HERE.glob('src/**/*.[ch]*')):
+        lines = path.read_text().split('\n')
+        code = [blanked(line) for line in lines]
+        for number, line in enumerate(lines):
+            for kind, match in ((kind, match) for kind, pattern in PLACES.items()
+                                for match in re.finditer(pattern, code[number])):
+                start, end = match.span(match.lastindex)
+                if kind == 'row':  # changes places with the next
+                    new = lines[number + 1:number + 2] + [line]
+                    new = new if re.match(PLACES[kind], code[number + 1]) else [line]
+                else:
+                    new = [line[:start] + changed(kind, line[start:end], rng) + line[end:]]
+                old = lines[number:number + len(new)]
+                is_end = kind == 'statement' and not re.search(r'(^|[;{}:])$', code[number - 1])
+                if new != old and not is_end:
+                    drawn.append((path.relative_to(HERE), number, kind, old, new))
+    rng.shuffle(drawn)
+    return iter(drawn)
+
+
+def limit():
+    """No fault may fill the machine."""
+    for what, most in ((resource.RLIMIT_AS, 4 << 30), (resource.RLIMIT_FSIZE, 256 << 20),
+                       (resource.RLIMIT_CPU, TEST_SECONDS), (resource.RLIMIT_CORE, 0)):
+        resource.setrlimit(what, (most, most))
+
+
+def succeeds(top, *command):
+    """Whether a command succeeds, with its temporary files below `top`."""
+    environment = dict(os.environ, TMPDIR=str(top), GTEST_BREAK_ON_FAILURE='1')
+    return subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, check=False,
+                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                          preexec_fn=limit).returncode == 0
+
+
+def verdict(top):
+    """What becomes of the copy below `top` as it stands."""
+    if not succeeds(top, 'cmake', '--build', top / 'build'):
+        return 'not compiled'
+    ctest = ['ctest', '--test-dir', top / 'build', '--stop-on-failure', '--timeout',
+             str(TEST_SECONDS), '-E', 'packaging']
+    passed = (succeeds(top, *ctest[:-1], 'packaging|' + WHOLE_RUNS) and
+              succeeds(top, *ctest, '-R', WHOLE_RUNS))
+    return 'missed' if passed else 'caught'
+
+
+def work(top, drawn, count, results, lock):
+    """Takes faults until `count` have been tried, on a copy of the sources of its own."""
+    top = pathlib.Path(tempfile.mkdtemp(dir=top))
+    shutil.copytree(HERE, top / 'tree', ignore=shutil.ignore_patterns('.git', 'build*'))
+    succeeds(top, 'cmake', '-S', top / 'tree', '-B', top / 'build', '-DCMAKE_BUILD_TYPE=None',
+             '-DCMAKE_CXX_FLAGS=-O0', '-DCNATOOL_TESTS=REQUIRED')
+    sound = verdict(top) == 'missed'
+    while sound:
+        with lock:
+            fault = next(drawn, None)
+        if fault is None or results['caught'] + results['missed'] >= count:
+            return
+        path, number, kind, old, new = fault
+        text = (top / 'tree' / path).read_text()
+        lines = text.split('\n')
+        lines[number:number + len(new)] = new
+        (top / 'tree' / path).write_text('\n'.join(lines))
+        result = verdict(top)
+        (top / 'tree' / path).write_text(text)
+        with lock:
+            results[result] += 1
+            if result == 'missed':
+                print(f'{path}:{number + 1}: {kind}', *('- ' + line for line in old),
+                      *('+ ' + line for line in new), sep='\n', flush=True)
+    print('Without a fault the sources do not build or pass.', file=sys.stderr)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split('\n', maxsplit=1)[0])
+    parser.add_argument('--seed', type=int, default=1)
+    parser.add_argument('--count', type=int, default=100, help='faults that compile')
+    parser.add_argument('--workers', type=int, default=1)
+    options = parser.parse_args()
+    results, lock = collections.Counter(), threading.Lock()
+    drawn = faults(random.Random(options.seed))
+    with tempfile.TemporaryDirectory() as top:
+        workers = [threading.Thread(target=work, args=(top, drawn, options.count, results, lock))
+                   for _ in range(options.workers)]
+        for worker in workers:
+            worker.start()
+        for worker in workers:
+            worker.join()
+    print(f'seed {options.seed}:', ', '.join(f'{n} {result}' for result, n in results.items()))
+    return 1 if results['missed'] or not results['caught'] else 0
+
+
+if __name__ == '__main__':
+    sys.exit(main())
