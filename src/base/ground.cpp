@@ -7,7 +7,6 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <initializer_list>
 #include <new>
 
 namespace {
@@ -22,16 +21,18 @@ void fill_standard_descriptors() {
     for (int descriptor = 0; descriptor <= 2; ++descriptor) {
         if (fcntl(descriptor, F_GETFD) == -1 && errno == EBADF &&
             open("/dev/null", O_RDWR) != descriptor) {
-            open("/", O_RDONLY);  // takes the place too, and no text
+            open("/", O_RDONLY);  // takes the place too; nothing can be read or written there
         }
     }
 }
 
 // Text is commentary: a reader that goes away or a file that may not grow must not end a flash half
-// done. A handler and not SIG_IGN, which the management tool would inherit.
+// done. A command that only warns a reader who is gone must not look like one that found no
+// storage, so it inherits the first; the second ends a query that cannot write its answer.
 void outlive_failing_output() {
-    for (const int signal : {SIGPIPE, SIGXFSZ}) {
-        std::signal(signal, [](int) {});
+    std::signal(SIGPIPE, SIG_IGN);
+    if (std::signal(SIGXFSZ, [](int) {}) == SIG_IGN) {
+        std::signal(SIGXFSZ, SIG_IGN);
     }
 }
 

@@ -2,40 +2,36 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <cerrno>
-#include <list>
 
 #include "base/output.h"
 
 namespace {
 
-/// An open descriptor, closed with its owner, and the lock on it with that.
-struct held_lock {
-    int descriptor;
-    explicit held_lock(const char* path)
-        : descriptor(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
-    ~held_lock() {
-        if (descriptor >= 0) {
-            close(descriptor);
-        }
-    }
-    held_lock(const held_lock&) = delete;
-    held_lock& operator=(const held_lock&) = delete;
-};
-
-std::list<held_lock> locks;
-
-}  // namespace
-
-void lock_for_run(const char* path, lock_kind kind) {
-    const int operation = kind == lock_kind::shared ? LOCK_SH : LOCK_EX;
-    const int descriptor = locks.emplace_back(path).descriptor;
+// The descriptor stays open: the lock ends with it.
+void lock_for_run(int descriptor, const char* path, int operation) {
     if (flock(descriptor, operation | LOCK_NB) == 0 || errno != EWOULDBLOCK) {
         return;
     }
     Print(1, "Waiting for another run on %s.\n", path);
     while (flock(descriptor, operation) != 0 && errno == EINTR) {
+    }
+}
+
+}  // namespace
+
+void lock_directory_for_run(const char* path, lock_kind kind) {
+    lock_for_run(open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC), path,
+                 kind == lock_kind::shared ? LOCK_SH : LOCK_EX);
+}
+
+void lock_file_for_run(const char* path) {
+    const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    struct stat status {};
+    // A directory here may be the one that this run has locked already.
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
+        lock_for_run(descriptor, path, LOCK_EX);
     }
 }

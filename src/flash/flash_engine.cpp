@@ -155,6 +155,11 @@ bool is_gone(const char* path) {
     return lstat(path, &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
 }
 
+exit_status report_interruption() {
+    Print(1, "Error: Interrupted, nothing more is flashed.\n");
+    return RET_FLASH_ERROR;
+}
+
 // Looks for the image once more. Where the directory cannot be read now, what was looked up stands
 // as long as it is there.
 bool find_again(const flash_job& job, const image_kind& kind, char (&image)[image_path_width]) {
@@ -175,8 +180,7 @@ exit_status flash_image(const flash_job& job, const image_kind& kind) {
         return RET_OK;
     }
     if (noted_signal() != 0) {
-        Print(1, "Error: Interrupted, nothing more is flashed.\n");
-        return RET_FLASH_ERROR;
+        return report_interruption();
     }
     if (active_option_simulate == 0 && !exists(pHBAFlashCmdPath)) {
         Print(1, "Error: Flash command %s is not available: %s\n\n", pHBAFlashCmdPath,
@@ -213,6 +217,9 @@ exit_status FlashBladeEngine(hba_info* port, fc_config_file_entry** row, global_
     flags->MatchingCtrlModelInstalled = 1;
     if (port->flash_port->flash_done) {
         return skip_port(*port);
+    }
+    if (noted_signal() != 0) {
+        return report_interruption();
     }
     print_heading(*port);
     Print(1, "\t\tPort index: %d.\n\n", port->port_index);

@@ -29,6 +29,6 @@ void print_flash_port_line(const hba_info& port);
 /// the port, through its flash_port (which must not be null): the firmware, then the BIOS where
 /// the row names one. Both are looked up before anything is flashed; a port whose flash port is
 /// done is skipped, and only the port given here is marked as done. Gives 0, 10 when a command
-/// failed or was refused, 20 when a directory or image is missing, 21 when the management tool is
-/// gone.
+/// failed or was refused or a signal keeps the rest from being sent, 20 when a directory or image
+/// is missing, 21 when the management tool is gone.
 exit_status FlashBladeEngine(hba_info* port, fc_config_file_entry** row, global_ctrl_flags* flags);

@@ -8,12 +8,13 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <span>
 
 namespace {
 
-constexpr std::array signals{SIGINT, SIGQUIT, SIGTERM};
-constexpr std::size_t signals_of_query = 2;
+constexpr std::array noted_during_query{SIGINT, SIGQUIT};
+constexpr std::array noted_during_download{SIGINT, SIGQUIT, SIGTERM};
 
 volatile std::sig_atomic_t noted = 0;
 
@@ -21,11 +22,6 @@ void note_signal(int signal) {
     if (noted == 0) {
         noted = signal;
     }
-}
-
-std::span<const int> signals_to_note(command_kind kind) {
-    const std::span<const int> all = signals;
-    return kind == command_kind::download ? all : all.first(signals_of_query);
 }
 
 // What the caller has us ignore stays ignored, by the command as well.
@@ -83,12 +79,16 @@ int spawn_and_wait(const char* line, command_kind kind) {
 }  // namespace
 
 int run_in_shell(const char* line, command_kind kind) {
-    const std::span<const int> wanted = signals_to_note(kind);
-    std::array<struct sigaction, signals.size()> before{};
+    const bool is_download = kind == command_kind::download;
+    const std::span<const int> wanted =
+        is_download ? std::span<const int>(noted_during_download) : noted_during_query;
+    std::array<struct sigaction, noted_during_download.size()> before{};
     start_noting(wanted, before);
-    if (kind == command_kind::download) {
-        // The adapter under way may carry the session that hangs up.
+    if (is_download) {
+        // The adapter under way may carry the session that hangs up, and no limit of a trace is
+        // worth half a flash.
         std::signal(SIGHUP, SIG_IGN);
+        std::signal(SIGXFSZ, SIG_IGN);
     }
     const int status = spawn_and_wait(line, kind);
     stop_noting(wanted, before);
@@ -108,4 +108,5 @@ void end_by_noted_signal() {
     sigaddset(&set, noted);
     sigprocmask(SIG_UNBLOCK, &set, nullptr);
     std::raise(noted);
+    std::_Exit(128 + noted);  // as the first process of a container no such signal ends us
 }

@@ -7,8 +7,8 @@ enum class command_kind { query, download };
 /// status, -1 when no process was to be had, exit code 127 when there is no shell.
 ///
 /// SIGINT and SIGQUIT that come meanwhile, and SIGTERM during a download, are noted and end nothing
-/// here. None of them reaches a download, which has a session of its own; and from the first
-/// download on SIGHUP is ignored here and there.
+/// here. None that comes from the terminal or for our process group reaches a download, which has a
+/// session of its own; from the first download on SIGHUP is ignored by us and by the commands.
 int run_in_shell(const char* line, command_kind kind);
 
 /// The first signal noted while a command ran; 0 for none.

@@ -9,12 +9,15 @@
 
 namespace {
 
-// Serial number and function become the name of a file that the shell opens for writing. Behind a
-// blank it would open the file of another name, behind a slash one in another directory: the
-// table or an image, say. All that begins "n/a" leads to no file, as nothing makes its directory.
-bool misleads(const hba_info& port, std::string_view part) {
-    return has_serial_number(port) ? part.find_first_of(" /") != std::string_view::npos
-                                   : leaves_directory(part);
+// Serial number and function become the name of a file that the shell opens for writing.
+bool leads_to_another_file(const hba_info& port, std::string_view part) {
+    if (!has_serial_number(port)) {
+        // "n/a" names a file in a directory "n", which nothing makes; only ".." leads out of it.
+        return leaves_directory(part);
+    }
+    // The shell would open the file that is named before the blank, or one in another directory:
+    // the table or an image, say.
+    return part.find_first_of(" /") != std::string_view::npos;
 }
 
 tool_command compose_query(const port_query& query, const hba_info& port, const char* identifier) {
@@ -22,7 +25,7 @@ tool_command compose_query(const port_query& query, const hba_info& port, const 
         query.command_format, {pHBAFlashCmdPath, query.word, identifier, pHBAWorkingPath,
                                port.SerialNo, port.PCIFunction, query.file_name});
     for (const char* part : {port.SerialNo, port.PCIFunction}) {
-        if (misleads(port, part)) {
+        if (leads_to_another_file(port, part)) {
             mark_unsafe(command, part);
         }
     }

@@ -86,7 +86,7 @@ exit_status collect_inventory() {
     }
     if (active_option_simulate == 0) {
         // Runs in other directories may work on the same controllers.
-        lock_for_run(pHBAFlashCmdPath, lock_kind::exclusive);
+        lock_file_for_run(pHBAFlashCmdPath);
     }
     return Get_All_Hba_Info();
 }
@@ -203,8 +203,8 @@ exit_status main_sequence(const char* called_as, global_ctrl_flags& flags) {
         Print(1, "Error: Fatal error!\n");
         return RET_FATAL_ERROR;
     }
-    lock_for_run(pHBAWorkingPath,
-                 active_option_simulate != 0 ? lock_kind::shared : lock_kind::exclusive);
+    lock_directory_for_run(pHBAWorkingPath,
+                           active_option_simulate != 0 ? lock_kind::shared : lock_kind::exclusive);
     open_debug_log(pHBAWorkingPath);
     if (const exit_status status = read_table()) {
         return status;
