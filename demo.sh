@@ -2,14 +2,17 @@
 # Installs what is missing, builds, and runs both jobs of the tool on the sample server, which
 # is laid out in a temporary directory.
 set -eu
-cd "$(dirname -- "$0")"
+cd "$(dirname -- "$(readlink -f -- "$0")")"
 ./setup.sh build
+place=$(demo/scratch_place)
+echo "Building the tool in $PWD/build; the first time takes up to a minute ..."
 cmake -S . -B build > /dev/null
 cmake --build build -j "$(nproc)" --target cnatool cnatool-sandbox > /dev/null
 
 top=$PWD
-server=$(mktemp -d)
+server=$(mktemp -d "$place/cnatool-demo.XXXXXX")
 trap 'rm -rf "$server"' EXIT
+trap 'exit 1' HUP INT TERM
 cp -R "$top/demo/server/." "$server"
 mkdir -p "$server/opt/emulex/ocmanager/bin"
 cp -R "$top/demo/hbacmd" "$top/demo/answers" "$server/opt/emulex/ocmanager/bin"
@@ -51,8 +54,8 @@ c4=F1A0:8402:F2B0:0022
 trace=nx4200/FWtrace.out
 faults=opt/emulex/ocmanager/bin/answers/faults.txt
 
-say "A controller whose storage is allowed, with the table and the inventory"
-run 0 -v 4 -pci-id "$c1"
+say "A controller whose storage is allowed"
+run 0 -pci-id "$c1"
 say "One whose storage is not"
 run 4 -pci-id "$c4"
 say "Two controllers that see different storage"
@@ -61,6 +64,9 @@ say "One controller that sees different storage on its ports"
 run 1 -v 2 -pci-id "$c2" --ctrl-wide-identical
 say "A controller that is not installed"
 run 12 -pci-id F1A0:2101
+
+say "The first one once more, with the table and the inventory"
+run 0 -v 4 -pci-id "$c1"
 
 say "What a flash would do: everything is looked up, nothing is run"
 run 0 --simulate --flash -pci-id "$c1"
@@ -77,3 +83,5 @@ run 10 --flash -pci-id "$c2"
 : > "$faults"
 say "An image that is missing"
 run 20 --flash -pci-id "$c4"
+
+printf '\nAll runs ended as expected.\n'

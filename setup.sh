@@ -1,15 +1,18 @@
 #!/bin/sh
 # Installs what is missing on a Debian machine:
-#   setup.sh build   to build the tool
-#   setup.sh test    to build it and run all tests
-#   setup.sh check   to run the slower checks as well
+#   setup.sh build     to build the tool
+#   setup.sh package   to build its packages
+#   setup.sh test      to build both and run all tests
+#   setup.sh check     to run the slower checks as well
 # As root or through sudo; otherwise it says what to install and ends with 1.
 set -eu
 
 # Each word is a file or command that tells whether its package is there.
 build='g++:g++ cmake:cmake make:make'
+packages='file:file dpkg-shlibdeps:dpkg-dev rpmbuild:rpm'
 tests='/usr/include/gtest/gtest.h:libgtest-dev setpriv:util-linux mandoc:mandoc
-    lintian:lintian dpkg-deb:dpkg dpkg-shlibdeps:dpkg-dev fakeroot:fakeroot
+    lintian:lintian rpmlint:rpmlint fakeroot:fakeroot /usr/share/doc/busybox-static:busybox-static
+    systemd-analyze:systemd logrotate:logrotate
     /usr/share/bash-completion/bash_completion:bash-completion valgrind:valgrind
     ansible-playbook:ansible-core python3:python3'
 checks='clang++:clang clang-format:clang-format clang-tidy:clang-tidy cppcheck:cppcheck
@@ -17,10 +20,11 @@ checks='clang++:clang clang-format:clang-format clang-tidy:clang-tidy cppcheck:c
 
 case ${1-} in
     build) wanted=$build ;;
-    test) wanted="$build $tests" ;;
-    check) wanted="$build $tests $checks" ;;
+    package) wanted="$build $packages" ;;
+    test) wanted="$build $packages $tests" ;;
+    check) wanted="$build $packages $tests $checks" ;;
     *)
-        echo "usage: $0 build | test | check" >&2
+        echo "usage: $0 build | package | test | check" >&2
         exit 2
         ;;
 esac
@@ -58,5 +62,5 @@ echo "Installing:$missing"
 # shellcheck disable=SC2086  # one package a word
 {
     $as_root apt-get -qq update &&
-        DEBIAN_FRONTEND=noninteractive $as_root apt-get -qq -y install --no-install-recommends $missing > /dev/null
+        $as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -y install --no-install-recommends $missing > /dev/null
 } < /dev/null
