@@ -99,16 +99,18 @@ runs_hardened() {
     done
 }
 
+# Not beside the builds: rpmbuild takes no path with a blank.
 build_packages() {
-    rm -f "$build"/cnatool_*.deb "$build"/portable/cnatool-*.rpm "$build"/portable/cnatool-*.tar.gz
     cd "$top" || exit 1
-    quietly cmake --build "$build" --parallel --target package
     quietly cmake --preset portable -B "$build/portable"
-    quietly cmake --build "$build/portable" --parallel --target package
-    deb=$(echo "$build"/cnatool_*.deb)
+    for built in "$build" "$build/portable"; do
+        quietly cmake --build "$built" --parallel
+        quietly cpack --config "$built/CPackConfig.cmake" -B "$scratch/packages"
+    done
+    deb=$(echo "$scratch"/packages/*.deb)
+    rpm=$(echo "$scratch"/packages/*.rpm)
+    archive=$(echo "$scratch"/packages/*.tar.gz)
     version=$(dpkg-deb -f "$deb" Version) || exit 1
-    rpm=$build/portable/cnatool-$version.$(uname -m).rpm
-    archive=$build/portable/cnatool-${version%-*}-$(uname -m).tar.gz
 
     mkdir "$scratch/few"
     ln -s "$(command -v make)" "$(command -v cmake)" "$(command -v sh)" "$scratch/few"
