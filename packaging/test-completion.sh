@@ -14,8 +14,9 @@ touch "$scratch/tables.txt" || exit 1
 cd "$scratch" || exit 1
 failures=0
 
-all='-? -h --help --version --show-return-codes -v -d --silent -pci-id --check-for-valid-subsystem'
-all+=' --ctrl-wide-identical --ctrl-vendor-wide-identical --flash --conpath --vox-mode --simulate'
+all='-? -h --help --info --version --show-return-codes -v -d --debug --silent -pci-id'
+all+=' --check-for-valid-subsystem --ctrl-wide-identical --ctrl-vendor-wide-identical'
+all+=' --flash --conpath --vox-mode --simulate'
 levels='0 1 2 3 4 5 6'
 
 # offers EXPECTED WORD...: EXPECTED is offered for the last of the words, in any order
