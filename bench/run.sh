@@ -75,6 +75,13 @@ bare() {
     run bare null "$work/bare_commands" "$work/commands"
 }
 
+# What a start costs before anything is read, beside that of a shell.
+start() {
+    cd "$work/check"
+    run start null ./cnatool --version
+    run shell null /bin/sh -c :
+}
+
 # The same check with the files that it left, so that only the tool's own work remains.
 own_work() {
     cd "$work/check"
@@ -129,6 +136,9 @@ while [ "$round" -lt "$rounds" ]; do
         bare
         check
     done
+    for _ in 1 2 3 4 5 6 7 8 9 10; do
+        start
+    done
     for ports in 250 1000 4000; do
         simulate "usual$ports"
         read_files "$ports"
@@ -140,7 +150,8 @@ while [ "$round" -lt "$rounds" ]; do
 done
 [ ! -t 2 ] || printf '\r%20s\r' '' >&2
 
-echo "Medians over $rounds runs ($((4 * rounds)) in the first two rows), files in $place"
+echo "Medians over $rounds runs ($((4 * rounds)) in the first two rows, $((10 * rounds)) in the third),"
+echo "files in $place"
 echo
 missed=0
 awk -f "$here/table.awk" "$work/results" || missed=$?

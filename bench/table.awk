@@ -58,6 +58,7 @@ END {
         "goal"
     row("check of 64 ports / the same 129 commands bare", "check", "bare", 1.03)
     row("--simulate,    64 ports / the 129 commands bare", "own", "bare", "")
+    row("start (--version) / start of a shell", "start", "shell", "")
     row("--simulate,   250 ports / cat of the files", "usual250", "cat250", "")
     row("--simulate, 1,000 ports / cat of the files", "usual1000", "cat1000", 3)
     row("--simulate, 4,000 ports / cat of the files", "usual4000", "cat4000", "")
