@@ -10,7 +10,7 @@ foreach(program ${needed_by_${CPACK_GENERATOR}})
 endforeach()
 if(missing)
   list(JOIN missing ", " missing)
-  message(FATAL_ERROR "To build this package, install (./setup.sh package does): ${missing}")
+  message(FATAL_ERROR "Not installed: ${missing} (./setup.sh package installs it)")
 endif()
 
 # One archive of its own tree, without the places of an installed package.

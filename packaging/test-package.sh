@@ -115,7 +115,7 @@ build_packages() {
     mkdir "$scratch/few"
     ln -s "$(command -v make)" "$(command -v cmake)" "$(command -v sh)" "$scratch/few"
     for lacking in "$build" "$build/portable"; do
-        ends_with 1 'setup.sh package does): file, ' env PATH="$scratch/few" "$(command -v cpack)" \
+        ends_with 1 'Not installed: file, ' env PATH="$scratch/few" "$(command -v cpack)" \
             --config "$lacking/CPackConfig.cmake" -B "$scratch/none" \
             -D CMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF
     done
