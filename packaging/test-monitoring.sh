@@ -15,7 +15,9 @@ fail() {
     failures=$((failures + 1))
 }
 
-cp "$here/monitoring/check_cnatool" . || exit 1
+sed 's#/etc/default#./etc#' "$here/monitoring/check_cnatool" > check_cnatool || exit 1
+mkdir etc
+printf 'CNATOOL_SELECTION="-pci-id 3:4"\nCNATOOL_OPTIONS="-v 2"\n' > etc/cnatool
 cat > cnatool << 'EOF'
 #!/bin/sh
 [ "$1" != --show-return-codes ] || { printf 'RET_OK 0\nRET_BAD 3\nRET_NONE 13\n'; exit; }
@@ -29,7 +31,7 @@ case " $* " in *' --json '*) echo "{\"findings\":$codes}"; exit 1 ;; esac
 echo "audit |$*|"
 exit "$AUDIT"
 EOF
-chmod +x cnatool cnatool-audit
+chmod +x check_cnatool cnatool cnatool-audit
 
 # STATE and LINE come of a run and an audit that end with RUN and AUDIT.
 while read -r run audit state line; do
@@ -47,7 +49,6 @@ done << 'EOF'
 13 0 2 CRITICAL - exit status 13 RET_NONE, no finding
 22 0 2 CRITICAL - exit status 22, no finding
 3 0 3 UNKNOWN - exit status 3 RET_BAD, no check
-10 0 3 UNKNOWN - exit status 10, no check
 15 1 3 UNKNOWN - exit status 15, no check
 55 2 3 UNKNOWN - exit status 55, no check
 143 0 3 UNKNOWN - exit status 143, no check
@@ -62,6 +63,7 @@ while IFS='>' read -r arguments state lines; do
 done << 'EOF'
 -pci-id 1:2 -- --x y>0>run /-pci-id 1:2 --x y/ audit /-pci-id 1:2/
 -pci-id 1:2>0>run /-pci-id 1:2/ audit /-pci-id 1:2/
+>0>run /-pci-id 3:4 -v 2/ audit /-pci-id 3:4/
 -- --x>3>
 -pci-id 1:2 -- --flash>3>
 -pci-id 1:2 /-flash>3>

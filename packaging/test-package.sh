@@ -112,12 +112,12 @@ build_packages() {
     archive=$(echo "$scratch"/packages/*.tar.gz)
     version=$(dpkg-deb -f "$deb" Version) || exit 1
 
+    cpack=$(command -v cpack)
     mkdir "$scratch/few"
     ln -s "$(command -v make)" "$(command -v cmake)" "$(command -v sh)" "$scratch/few"
     for lacking in "$build" "$build/portable"; do
-        ends_with 1 'Not installed: file, ' env PATH="$scratch/few" "$(command -v cpack)" \
-            --config "$lacking/CPackConfig.cmake" -B "$scratch/none" \
-            -D CMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF
+        ends_with 1 'Not installed: file, ' env PATH="$scratch/few" "$cpack" -B "$scratch/none" \
+            --config "$lacking/CPackConfig.cmake" -D CMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF
     done
 }
 
