@@ -1,12 +1,10 @@
 #include "call/help.h"
 
-#include <array>
-
 #include "base/output.h"
 
 namespace {
 
-constexpr std::array version{1, 4, 0, 0};
+constexpr char version[] = "1.4.0.0";
 
 constexpr char helpMessage_1[] =
     "\n"
@@ -58,12 +56,11 @@ constexpr char helpMessage_3[] =
 
 }  // namespace
 
-void print_tool_info() {
-    Print(1, "\n%s version %d.%d.%d.%d\n", program_name, version[0], version[1], version[2],
-          version[3]);
-}
+std::string tool_version() { return version; }
 
-void print_version() { Print(1, "%d.%d.%d.%d\n", version[0], version[1], version[2], version[3]); }
+void print_tool_info() { Print(1, "\n%s version %s\n", program_name, tool_version().c_str()); }
+
+void print_version() { Print(1, "%s\n", tool_version().c_str()); }
 
 void print_help() {
     print_tool_info();

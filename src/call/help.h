@@ -1,5 +1,10 @@
 #pragma once
 
+#include <string>
+
+/// The version number.
+std::string tool_version();
+
 /// The tool's version line, with the name under which it was called, at level 1.
 void print_tool_info();
 

@@ -1,0 +1,17 @@
+#include <cstdlib>
+#include <string>
+
+#include "audit/audit_run.h"
+#include "audit/progress.h"
+#include "base/end_process.h"
+
+// What ends the tool at once ends the audit likewise, with its own status. The library has said
+// what is wrong, as far as it does.
+void end_process(exit_status status) {
+    const std::string& file = file_being_read();
+    give_up("cannot go on" + (file.empty() ? "" : " behind " + file) +
+            ": cnatool ends with status " + std::to_string(status) + " here");
+    std::exit(AUDIT_GAVE_UP);
+}
+
+int main(int argc, char** argv) { return audit_run(argc, argv); }

@@ -1,0 +1,117 @@
+#include "audit/audit_run.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "audit/json_report.h"
+#include "audit/outputs.h"
+#include "audit/progress.h"
+#include "audit/table_lint.h"
+#include "audit/text_report.h"
+#include "base/list.h"
+#include "call/options.h"
+#include "call/paths.h"
+#include "inventory/flash_ports.h"
+#include "inventory/port_list.h"
+#include "inventory/port_ordering.h"
+
+namespace {
+
+bool read_table() {
+    now_reading(pHBAConditionsPath);
+    const exit_status status = Read_FC_Config_File(pHBAConditionsPath);
+    if (status != RET_OK) {
+        give_up("the table " + std::string(pHBAConditionsPath) +
+                " cannot be used: cnatool ends with status " + std::to_string(status) + " here");
+    }
+    return status == RET_OK;
+}
+
+bool collect_outputs(std::vector<finding>& findings) {
+    const exit_status status = read_outputs(findings);
+    if (status == RET_MEMALLOC_FAIL) {
+        throw std::bad_alloc();
+    }
+    if (status != RET_OK) {
+        give_up("there is no readable " + port_list_path() + ": run cnatool first");
+    }
+    return status == RET_OK;
+}
+
+const hba_info* port_without_flash_port() {
+    const auto ports = entries(p_hba_info_list);
+    const auto found = std::find_if(ports.begin(), ports.end(), [](const hba_info* port) {
+        return has_serial_number(*port) && port->flash_port == nullptr;
+    });
+    return found == ports.end() ? nullptr : *found;
+}
+
+bool write_report(const std::string& report) {
+    const bool written = std::fwrite(report.data(), 1, report.size(), stdout) == report.size() &&
+                         std::fflush(stdout) == 0;
+    if (!written) {
+        give_up("the report cannot be written");
+    }
+    return written;
+}
+
+audit_status audit(const char* called_as) {
+    // Nothing here composes a command; should something ever do, it is not run.
+    active_option_simulate = 1;
+    if (!settle_paths(called_as)) {
+        give_up("the path by which it was called is too long");
+        return AUDIT_GAVE_UP;
+    }
+    std::vector<finding> findings;
+    if (!read_table() || !collect_outputs(findings)) {
+        return AUDIT_GAVE_UP;
+    }
+    const std::optional<survey> result = judge_server(std::move(findings));
+    if (!result) {
+        return AUDIT_GAVE_UP;
+    }
+    const audit_status status = result->findings.empty() ? AUDIT_NO_FINDING : AUDIT_FINDINGS;
+    return write_report(active_option_json ? json_report(*result, status) : text_report(*result))
+               ? status
+               : AUDIT_GAVE_UP;
+}
+
+}  // namespace
+
+std::optional<survey> judge_server(std::vector<finding> findings) {
+    be_silent();
+    Classify_Ctrl_List();
+    Determine_Flash_Ports();
+    if (const hba_info* port = port_without_flash_port()) {
+        give_up("port " + std::string(port->SerialNo) + " " + port_name(*port) +
+                " has no flash port: cnatool ends with status 22 here");
+        return std::nullopt;
+    }
+    survey result = survey_inventory();
+    result.findings = std::move(findings);
+    judge_table(result.findings);
+    survey_selection(p_option_input, result);
+    survey_check(p_option_input, result);
+    if (active_option_flash != 0) {
+        survey_flash(p_option_input, result);
+    }
+    std::stable_sort(result.findings.begin(), result.findings.end(),
+                     [](const finding& a, const finding& b) { return a.code < b.code; });
+    return result;
+}
+
+audit_status audit_run(int argc, char** argv) {
+    try {
+        if (const auto ended = read_audit_call(argc, argv)) {
+            return *ended;
+        }
+        return audit(argc > 0 ? argv[0] : "");
+    } catch (const std::bad_alloc&) {
+        give_up("out of memory");
+        return AUDIT_GAVE_UP;
+    }
+}

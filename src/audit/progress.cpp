@@ -1,0 +1,33 @@
+#include "audit/progress.h"
+
+#include <cstdio>
+
+#include "base/output.h"
+
+namespace {
+
+std::string current_file;
+
+}  // namespace
+
+void speak_of_errors() {
+    // With these levels messages of level 1, and of 2 for what is wrong with identifiers, go to
+    // standard error.
+    VerboseLevel = 0;
+    DebugLevel = 2;
+    PrintDebugOnScreen = 1;
+}
+
+void be_silent() {
+    VerboseLevel = 0;
+    DebugLevel = 0;
+    PrintDebugOnScreen = 1;
+}
+
+void now_reading(const std::string& path) { current_file = path; }
+
+const std::string& file_being_read() { return current_file; }
+
+void give_up(const std::string& reason) {
+    std::fprintf(stderr, "%s: %s\n", program_name, reason.c_str());
+}
