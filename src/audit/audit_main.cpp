@@ -4,13 +4,14 @@
 #include "audit/audit_run.h"
 #include "audit/progress.h"
 #include "base/end_process.h"
+#include "inventory/management_tool.h"
 
 // What ends the tool at once ends the audit likewise, with its own status. The library has said
 // what is wrong, as far as it does.
 void end_process(exit_status status) {
     const std::string& file = file_being_read();
-    give_up("cannot go on" + (file.empty() ? "" : " behind " + file) +
-            ": cnatool ends with status " + std::to_string(status) + " here");
+    give_up(fill_in("cannot go on%s%s: cnatool ends with status %s here",
+                    {file.empty() ? "" : " in ", file, std::to_string(status)}));
     std::exit(AUDIT_GAVE_UP);
 }
 

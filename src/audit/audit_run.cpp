@@ -16,6 +16,7 @@
 #include "call/options.h"
 #include "call/paths.h"
 #include "inventory/flash_ports.h"
+#include "inventory/management_tool.h"
 #include "inventory/port_list.h"
 #include "inventory/port_ordering.h"
 
@@ -25,8 +26,8 @@ bool read_table() {
     now_reading(pHBAConditionsPath);
     const exit_status status = Read_FC_Config_File(pHBAConditionsPath);
     if (status != RET_OK) {
-        give_up("the table " + std::string(pHBAConditionsPath) +
-                " cannot be used: cnatool ends with status " + std::to_string(status) + " here");
+        give_up(fill_in("the table %s cannot be used: cnatool ends with status %s here",
+                        {pHBAConditionsPath, std::to_string(status)}));
     }
     return status == RET_OK;
 }
@@ -37,7 +38,7 @@ bool collect_outputs(std::vector<finding>& findings) {
         throw std::bad_alloc();
     }
     if (status != RET_OK) {
-        give_up("there is no readable " + port_list_path() + ": run cnatool first");
+        give_up(fill_in("there is no readable %s: run cnatool first", {port_list_path()}));
     }
     return status == RET_OK;
 }
@@ -87,8 +88,8 @@ std::optional<survey> judge_server(std::vector<finding> findings) {
     Classify_Ctrl_List();
     Determine_Flash_Ports();
     if (const hba_info* port = port_without_flash_port()) {
-        give_up("port " + std::string(port->SerialNo) + " " + port_name(*port) +
-                " has no flash port: cnatool ends with status 22 here");
+        give_up(fill_in("port %s %s has no flash port: cnatool ends with status 22 here",
+                        {port->SerialNo, port_name(*port)}));
         return std::nullopt;
     }
     survey result = survey_inventory();

@@ -12,10 +12,13 @@
 
 namespace {
 
+/// A row and the directory that it or the port's model names: what decides on the images.
+using image_source = std::pair<const fc_config_file_entry*, std::string>;
+
 struct flash_state {
     bool ended = false;  // by a job that cannot be done; behind it nothing is sent
-    /// Rows and directories whose images have been judged.
-    std::set<std::pair<const fc_config_file_entry*, std::string>> judged;
+    std::set<image_source> judged;
+    std::set<image_source> failed;  // no need to search their directories again
 };
 
 struct named_image {
@@ -40,8 +43,12 @@ void judge_image(const flash_job& job, const named_image& image, survey& result)
     }
 }
 
+const char* directory_name(const hba_info& port, const fc_config_file_entry& row) {
+    return row.firmware_dir[0] != '\0' ? row.firmware_dir : port.Model;
+}
+
 void judge_directory(const flash_job& job, survey& result) {
-    const char* name = job.row.firmware_dir[0] != '\0' ? job.row.firmware_dir : job.port.Model;
+    const char* name = directory_name(job.port, job.row);
     if (*name != '\0' && std::string_view(job.directory) == pHBAFirmwarePath) {
         result.findings.push_back(found_at_row(
             finding_code::directory_missing, job.row,
@@ -50,10 +57,7 @@ void judge_directory(const flash_job& job, survey& result) {
     }
 }
 
-void judge_images(const flash_job& job, flash_state& state, survey& result) {
-    if (!state.judged.emplace(&job.row, job.directory).second) {
-        return;
-    }
+void judge_images(const flash_job& job, survey& result) {
     judge_directory(job, result);
     judge_image(job, {"firmware image", job.row.firmware_file}, result);
     if (job.row.bios_file[0] != '\0') {
@@ -68,28 +72,37 @@ void note_refused(const hba_info& port, survey& result) {
         "10 here."));
 }
 
-// What the flash engine does up to its first command, and the marks that it leaves.
-void look_up_job(hba_info& port, const fc_config_file_entry& row, flash_state& state,
-                 survey& result) {
-    if (port.flash_port->flash_done) {
-        port.flash_done = true;
-        return;
-    }
-    ++result.places.at(port.flash_port).first->flashes;
-    flash_job job{.port = port, .row = row};
-    const exit_status status = settle_flash_job(job);
+void note_job(const flash_job& job, exit_status status, flash_state& state, survey& result) {
+    const image_source source{&job.row, directory_name(job.port, job.row)};
     if (status == RET_FLASH_ERROR || job.unsafe) {
-        note_refused(port, result);
-    } else {
-        judge_images(job, state, result);
+        note_refused(job.port, result);
+    } else if (state.judged.insert(source).second) {
+        judge_images(job, result);
+    }
+    if (status != RET_OK) {
+        state.failed.insert(source);
     }
     state.ended = state.ended || status != RET_OK || job.unsafe;
     for (const char* image : {job.firmware, job.bios}) {
         if (*image != '\0') {
-            result.downloads.push_back({&port, &row, image, !state.ended});
+            result.downloads.push_back({&job.port, &job.row, image, !state.ended});
         }
     }
-    port.flash_done = true;  // Also where the flash ends: each job is looked at once.
+}
+
+// What the flash engine does up to its first command, and the marks that it leaves. Behind a
+// failure too: each job is looked at, once.
+void plan_flash(hba_info& port, const fc_config_file_entry& row, flash_state& state,
+                survey& result) {
+    if (!port.flash_port->flash_done) {
+        ++result.places.at(port.flash_port).first->flashes;
+        flash_job job{.port = port, .row = row};
+        if (!state.failed.contains({&row, directory_name(port, row)})) {
+            const exit_status status = settle_flash_job(job);
+            note_job(job, status, state, result);
+        }
+    }
+    port.flash_done = true;
 }
 
 }  // namespace
@@ -100,7 +113,7 @@ void survey_flash(const option_input* selection, survey& result) {
     OverallFlashBladeEngine(
         selection, &flags,
         [&](hba_info* port, fc_config_file_entry** row, global_ctrl_flags* /*flags*/) {
-            look_up_job(*port, **row, state, result);
+            plan_flash(*port, **row, state, result);
             return RET_OK;
         });
     for (const controller& each : result.controllers) {

@@ -13,6 +13,7 @@
 #include "base/list.h"
 #include "base/text.h"
 #include "call/paths.h"
+#include "inventory/management_tool.h"
 
 namespace {
 
@@ -112,7 +113,7 @@ void note_odd(std::vector<finding>& findings, const row_entry& row, const std::s
 }
 
 void note_full(std::vector<finding>& findings, const row_entry& row, const std::string& name) {
-    note_odd(findings, row, "the column " + name + " is filled to its last character.",
+    note_odd(findings, row, fill_in("the column %s is filled to its last character.", {name}),
              "See whether the text was cut to fit.");
 }
 
@@ -168,8 +169,9 @@ void find_repeated_rows(std::span<row_entry*> rows, std::vector<finding>& findin
         if (!is_new) {
             findings.push_back(found_at_row(
                 finding_code::row_unreachable, *row,
-                "line " + std::to_string(place->second->line) +
-                    " has the same names and identifiers: this row checks and flashes nothing."));
+                fill_in("line %s has the same names and identifiers: this row checks and flashes "
+                        "nothing.",
+                        {std::to_string(place->second->line)})));
         }
     }
 }

@@ -10,6 +10,7 @@
 #include "call/options.h"
 #include "call/paths.h"
 #include "call/selection.h"
+#include "inventory/management_tool.h"
 
 namespace {
 
@@ -59,7 +60,9 @@ void put(page& out, emphasis style, string_view head, string_view text) {
     out.text += coloured ? "\033[0m" : "";
     for (bool is_first = true; is_first || !rest.empty(); is_first = false) {
         const std::size_t length = line_length(rest, line_columns - head.size());
-        out.text += is_first ? "" : "\n" + string(head.size(), ' ');
+        if (!is_first) {
+            out.text.append("\n").append(head.size(), ' ');
+        }
         out.text += rest.substr(0, length);
         rest.remove_prefix(length);
         rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
@@ -84,9 +87,9 @@ string joined(const std::vector<string>& parts, const char* between) {
 string rows_of(const controller& each) {
     std::vector<string> rows;
     for (const fitting_row& row : each.rows) {
-        rows.push_back("line " + std::to_string(row.row->line) +
-                       (row.by_four ? "" : " (by two identifiers)") +
-                       (row.fits_names ? "" : " (its names differ)"));
+        rows.push_back(fill_in("line %s%s%s", {std::to_string(row.row->line),
+                                               row.by_four ? "" : " (by two identifiers)",
+                                               row.fits_names ? "" : " (its names differ)"}));
     }
     return rows.empty() ? "none in the table" : joined(rows, ", ");
 }
@@ -98,11 +101,11 @@ string judgement_of(const surveyed_port& each) {
     if (each.checked_by == nullptr) {
         return "not checked";
     }
-    const string by = "checked by line " + std::to_string(each.checked_by->line);
+    const string by = fill_in("checked by line %s", {std::to_string(each.checked_by->line)});
     if (each.allowed_by != nullptr) {
         const string_view products = each.allowed_by->product_list;
-        return by + ", allowed by " + each.allowed_by->vendor + " " +
-               string(products.empty() ? "(all products)" : products);
+        return fill_in("%s, allowed by %s %s", {by, each.allowed_by->vendor,
+                                                products.empty() ? "(all products)" : products});
     }
     return each.port->target_mapping == nullptr ? by : by + ", NOT ALLOWED";
 }
@@ -116,26 +119,27 @@ string storage_of(const hba_info& port) {
 
 string state_of(const surveyed_port& each) {
     const string judgement = judgement_of(each);
-    return storage_of(*each.port) + (judgement.empty() ? "" : "; " + judgement);
+    return judgement.empty() ? storage_of(*each.port)
+                             : fill_in("%s; %s", {storage_of(*each.port), judgement});
 }
 
 void put_port(page& out, const hba_info& port, const string& text) {
     put(out, emphasis::none,
-        "  " + padded(port_name(port), 5) + " " + padded(port.PortType, 5) + " " +
-            padded(address_of(port), 23) + "  ",
+        fill_in("  %s %s %s  ", {padded(port_name(port), 5), padded(port.PortType, 5),
+                                 padded(address_of(port), 23)}),
         text);
 }
 
 void put_controller(page& out, const controller& each) {
     const hba_info& first = *each.ports.front().port;
     const hba_info& flash_port = *first.flash_port;
-    put(out, emphasis::heading, "Controller " + string(first.SerialNo),
-        "  " + string(first.Mfg) + " " + first.Model);
+    put(out, emphasis::heading, fill_in("Controller %s", {first.SerialNo}),
+        fill_in("  %s %s", {first.Mfg, first.Model}));
     const std::vector<string> ids = pci_ids_of(each);
     put(out, emphasis::none, "  select it:  ",
-        ids.empty() ? "its identifiers are not known" : "-pci-id " + joined(ids, ","));
+        ids.empty() ? "its identifiers are not known" : fill_in("-pci-id %s", {joined(ids, ",")}));
     put(out, emphasis::none, "  flash port: ",
-        port_name(flash_port) + " " + flash_port.PortType + " " + flash_port.PermanentMAC);
+        fill_in("%s %s %s", {port_name(flash_port), flash_port.PortType, flash_port.PermanentMAC}));
     put(out, emphasis::none, "  rows:       ", rows_of(each));
     for (const surveyed_port& member : each.ports) {
         put_port(out, *member.port, is_fc_or_fcoe(*member.port) ? state_of(member) : "");
@@ -162,8 +166,8 @@ void put_downloads(page& out, const survey& result) {
         result.downloads.empty() ? ": none" : "");
     for (const download& each : result.downloads) {
         put(out, emphasis::none,
-            "  " + padded(each.port->flash_port->PermanentMAC, 17) + "  " +
-                (each.sent ? "" : "NOT SENT, the flash ends before: "),
+            fill_in("  %s  %s", {padded(each.port->flash_port->PermanentMAC, 17),
+                                 each.sent ? "" : "NOT SENT, the flash ends before: "}),
             each.image);
     }
     out.text += '\n';
@@ -174,11 +178,14 @@ void put_findings(page& out, const survey& result) {
         put(out, emphasis::heading, "No finding", "");
         return;
     }
-    put(out, emphasis::heading, "Findings", ": " + std::to_string(result.findings.size()));
+    put(out, emphasis::heading, "Findings",
+        fill_in(": %s", {std::to_string(result.findings.size())}));
     for (const finding& each : result.findings) {
-        put(out, emphasis::warning, "  " + padded(name_of(each.code), 17) + "  ", place_of(each));
+        put(out, emphasis::warning, fill_in("  %s  ", {padded(name_of(each.code), 17)}),
+            place_of(each));
         put(out, emphasis::none, "    ",
-            (each.file.empty() || each.serial.empty() ? "" : each.serial + ": ") + each.what);
+            each.file.empty() || each.serial.empty() ? each.what
+                                                     : fill_in("%s: %s", {each.serial, each.what}));
         put(out, emphasis::none, "    -> ", each.advice);
     }
 }
