@@ -23,6 +23,7 @@
 namespace {
 
 bool read_table() {
+    speak_of_errors();
     now_reading(pHBAConditionsPath);
     const exit_status status = Read_FC_Config_File(pHBAConditionsPath);
     if (status != RET_OK) {
@@ -51,47 +52,18 @@ const hba_info* port_without_flash_port() {
     return found == ports.end() ? nullptr : *found;
 }
 
-bool write_report(const std::string& report) {
-    const bool written = std::fwrite(report.data(), 1, report.size(), stdout) == report.size() &&
-                         std::fflush(stdout) == 0;
-    if (!written) {
+audit_status report(const survey& result) {
+    const audit_status status = result.findings.empty() ? AUDIT_NO_FINDING : AUDIT_FINDINGS;
+    const std::string text = active_option_json ? json_report(result, status) : text_report(result);
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
+        std::fflush(stdout) != 0) {
         give_up("the report cannot be written");
+        return AUDIT_GAVE_UP;
     }
-    return written;
+    return status;
 }
 
-audit_status audit(const char* called_as) {
-    // Nothing here composes a command; should something ever do, it is not run.
-    active_option_simulate = 1;
-    if (!settle_paths(called_as)) {
-        give_up("the path by which it was called is too long");
-        return AUDIT_GAVE_UP;
-    }
-    std::vector<finding> findings;
-    if (!read_table() || !collect_outputs(findings)) {
-        return AUDIT_GAVE_UP;
-    }
-    const std::optional<survey> result = judge_server(std::move(findings));
-    if (!result) {
-        return AUDIT_GAVE_UP;
-    }
-    const audit_status status = result->findings.empty() ? AUDIT_NO_FINDING : AUDIT_FINDINGS;
-    return write_report(active_option_json ? json_report(*result, status) : text_report(*result))
-               ? status
-               : AUDIT_GAVE_UP;
-}
-
-}  // namespace
-
-std::optional<survey> judge_server(std::vector<finding> findings) {
-    be_silent();
-    Classify_Ctrl_List();
-    Determine_Flash_Ports();
-    if (const hba_info* port = port_without_flash_port()) {
-        give_up(fill_in("port %s %s has no flash port: cnatool ends with status 22 here",
-                        {port->SerialNo, port_name(*port)}));
-        return std::nullopt;
-    }
+survey judge(std::vector<finding> findings) {
     survey result = survey_inventory();
     result.findings = std::move(findings);
     judge_table(result.findings);
@@ -105,12 +77,36 @@ std::optional<survey> judge_server(std::vector<finding> findings) {
     return result;
 }
 
+}  // namespace
+
+std::optional<survey> audit_server() {
+    // Nothing here composes a command; should something ever do, it is not run.
+    active_option_simulate = 1;
+    std::vector<finding> findings;
+    if (!read_table() || !collect_outputs(findings)) {
+        return std::nullopt;
+    }
+    Classify_Ctrl_List();
+    Determine_Flash_Ports();
+    if (const hba_info* port = port_without_flash_port()) {
+        give_up(fill_in("port %s %s has no flash port: cnatool ends with status 22 here",
+                        {port->SerialNo, port_name(*port)}));
+        return std::nullopt;
+    }
+    return judge(std::move(findings));
+}
+
 audit_status audit_run(int argc, char** argv) {
     try {
         if (const auto ended = read_audit_call(argc, argv)) {
             return *ended;
         }
-        return audit(argc > 0 ? argv[0] : "");
+        if (!settle_paths(argc > 0 ? argv[0] : "")) {
+            give_up("the path by which it was called is too long");
+            return AUDIT_GAVE_UP;
+        }
+        const std::optional<survey> result = audit_server();
+        return result ? report(*result) : AUDIT_GAVE_UP;
     } catch (const std::bad_alloc&) {
         give_up("out of memory");
         return AUDIT_GAVE_UP;

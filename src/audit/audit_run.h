@@ -3,10 +3,9 @@
 #include "audit/audit_call.h"
 #include "audit/survey.h"
 
-/// Judges the table, ports and selection that have been read, and adds to `findings`, which
-/// holds what was found in the outputs. Nothing when a port with a serial number has no flash
-/// port: that ends a run, and there is nothing to walk.
-std::optional<survey> judge_server(std::vector<finding> findings);
+/// Reads table and outputs below the settled paths and judges them for the selection in force.
+/// Nothing where a run would end before its walks: that has been said on standard error.
+std::optional<survey> audit_server();
 
 /// One audit from the command line to its status. Some elements of `argv` are rewritten.
 audit_status audit_run(int argc, char** argv);

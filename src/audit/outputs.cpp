@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -122,31 +123,47 @@ void note(std::vector<finding>& findings, finding_code code, const hba_info& por
     findings.back().file = path;
 }
 
-exit_status read_output(const port_output& kind, hba_info& port, const timespec& list_written,
-                        std::vector<finding>& findings) {
+/// What goes on from output to output.
+struct reading {
+    timespec list_written;
+    std::set<std::string> paths;  // of the outputs read so far
+    std::vector<finding>& findings;
+};
+
+void judge_output(const port_output& kind, const hba_info& port, const std::string& path,
+                  const output_facts& facts, reading& state) {
+    std::string fault = fault_of(kind, port, facts);
+    if (!state.paths.insert(path).second) {
+        fault = "ports share it: it holds the answer about the last one alone.";
+    }
+    if (!fault.empty()) {
+        note(state.findings, finding_code::output_incomplete, port, path, fault);
+    }
+    if (is_before(facts.written, state.list_written)) {
+        note(state.findings, finding_code::output_old, port, path,
+             "it is older than the port list, so of an earlier run.");
+    }
+}
+
+exit_status read_output(const port_output& kind, hba_info& port, reading& state) {
     const std::string path = output_path(port, kind.file_name);
     now_reading(path);
     const input_file file = open_for_reading(path.c_str());
     if (file == nullptr) {
-        note(findings, finding_code::output_incomplete, port, path,
+        note(state.findings, finding_code::output_incomplete, port, path,
              "it is missing: a run with --simulate ends with status 51 here.");
         return RET_OK;
     }
     const exit_status status = kind.read(file, port);
-    if (status == RET_MEMALLOC_FAIL) {
-        return status;
+    if (status == STATUS_OUTPUT_FILE_MISSING) {
+        note(state.findings, finding_code::output_incomplete, port, path,
+             "it cannot be read to its end: a run with --simulate ends with status 51 here.");
+        return RET_OK;
     }
-    const output_facts facts = facts_of(file);
-    const std::string fault =
-        status != RET_OK ? "it cannot be read to its end." : fault_of(kind, port, facts);
-    if (!fault.empty()) {
-        note(findings, finding_code::output_incomplete, port, path, fault);
+    if (status == RET_OK) {
+        judge_output(kind, port, path, facts_of(file), state);
     }
-    if (is_before(facts.written, list_written)) {
-        note(findings, finding_code::output_old, port, path,
-             "it is older than the port list, so of an earlier run.");
-    }
-    return RET_OK;
+    return status;
 }
 
 void judge_port_list(const output_facts& facts, std::vector<finding>& findings) {
@@ -168,15 +185,13 @@ void judge_port_list(const output_facts& facts, std::vector<finding>& findings) 
     }
 }
 
-exit_status read_outputs_of(hba_info& port, const timespec& list_written,
-                            std::vector<finding>& findings) {
+exit_status read_outputs_of(hba_info& port, reading& state) {
     if (!has_serial_number(port)) {
         return RET_OK;  // Its outputs are not read by a run either.
     }
-    const exit_status status = read_output(attributes_output, port, list_written, findings);
-    return status != RET_OK || !is_fc_or_fcoe(port)
-               ? status
-               : read_output(mapping_output, port, list_written, findings);
+    const exit_status status = read_output(attributes_output, port, state);
+    return status != RET_OK || !is_fc_or_fcoe(port) ? status
+                                                    : read_output(mapping_output, port, state);
 }
 
 }  // namespace
@@ -194,8 +209,9 @@ exit_status read_outputs(std::vector<finding>& findings) {
     be_silent();
     const output_facts facts = facts_of(file);
     judge_port_list(facts, findings);
+    reading state{.list_written = facts.written, .paths = {}, .findings = findings};
     for (hba_info* port : entries(p_hba_info_list)) {
-        if (const exit_status status = read_outputs_of(*port, facts.written, findings)) {
+        if (const exit_status status = read_outputs_of(*port, state)) {
             return status;
         }
     }

@@ -111,14 +111,17 @@ void note_not_installed(const option_input& group, survey& result) {
 }  // namespace
 
 std::string group_name(const option_input& group) {
-    if (group.vendor_id_text[0] == '\0' && group.device_id_text[0] == '\0') {
-        const std::string names = std::string(group.vendor_name) + " " + group.model;
-        return names == " " ? "(empty group)" : names;
+    std::vector<const char*> parts{group.vendor_name, group.model, group.vendor_id_text,
+                                   group.device_id_text};
+    if (selects_by_four_ids(group)) {
+        parts.push_back(group.subvendor_id_text);
+        parts.push_back(group.subdevice_id_text);
     }
-    const std::string two = std::string(group.vendor_id_text) + ":" + group.device_id_text;
-    return selects_by_four_ids(group)
-               ? two + ":" + group.subvendor_id_text + ":" + group.subdevice_id_text
-               : two;
+    std::string name;
+    for (const char* part : parts) {
+        name.append(name.empty() || *part == '\0' ? "" : ":").append(part);
+    }
+    return name.empty() ? "(empty group)" : name;
 }
 
 survey survey_inventory() {

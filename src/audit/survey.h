@@ -68,7 +68,7 @@ void survey_check(const option_input* selection, survey& result);
 /// as flashed.
 void survey_flash(const option_input* selection, survey& result);
 
-/// The selected group in the form of -pci-id, or its names.
+/// What the selected group names, in the form of -pci-id.
 std::string group_name(const option_input& group);
 
 // --- what both reports show ---------------------------------------------------------------

@@ -181,6 +181,7 @@ server::server() {
     const fs::path demo = fs::path(SOURCE_DIRECTORY) / "demo";
     fs::copy(demo / "server", path, fs::copy_options::recursive);
     fs::create_symlink(SANDBOX_TOOL, path / "cnatool");
+    fs::create_symlink(AUDIT_TOOL, path / "cnatool-audit");
     fs::create_directories(stand_in());
     fs::copy(demo / "hbacmd", stand_in());
     fs::copy(demo / "answers", stand_in() / "answers", fs::copy_options::recursive);
