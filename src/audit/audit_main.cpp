@@ -4,6 +4,7 @@
 #include "audit/audit_run.h"
 #include "audit/progress.h"
 #include "base/end_process.h"
+#include "base/ground.h"
 #include "inventory/management_tool.h"
 
 // What ends the tool at once ends the audit likewise, with its own status. The library has said
@@ -15,4 +16,7 @@ void end_process(exit_status status) {
     std::exit(AUDIT_GAVE_UP);
 }
 
-int main(int argc, char** argv) { return audit_run(argc, argv); }
+int main(int argc, char** argv) {
+    prepare_process();
+    return audit_run(argc, argv);
+}

@@ -12,7 +12,9 @@
 #include "audit/progress.h"
 #include "audit/table_lint.h"
 #include "audit/text_report.h"
+#include "base/ground.h"
 #include "base/list.h"
+#include "base/run_lock.h"
 #include "call/options.h"
 #include "call/paths.h"
 #include "inventory/flash_ports.h"
@@ -97,6 +99,10 @@ std::optional<survey> audit_server() {
 }
 
 audit_status audit_run(int argc, char** argv) {
+    if (!hold_memory_back()) {
+        give_up("out of memory");
+        return AUDIT_GAVE_UP;
+    }
     try {
         if (const auto ended = read_audit_call(argc, argv)) {
             return *ended;
@@ -105,6 +111,8 @@ audit_status audit_run(int argc, char** argv) {
             give_up("the path by which it was called is too long");
             return AUDIT_GAVE_UP;
         }
+        // Not while a run replaces the outputs.
+        lock_directory_for_run(pHBAWorkingPath, lock_kind::shared);
         const std::optional<survey> result = audit_server();
         return result ? report(*result) : AUDIT_GAVE_UP;
     } catch (const std::bad_alloc&) {

@@ -30,7 +30,7 @@ struct output_facts {
 output_facts facts_of(const input_file& file) {
     constexpr std::size_t start_width = 4096;
     output_facts facts;
-    const int descriptor = fileno(file.get());
+    const int descriptor = fileno(file.stream.get());
     struct stat status {};
     if (fstat(descriptor, &status) != 0) {
         return facts;
@@ -148,8 +148,8 @@ void judge_output(const port_output& kind, const hba_info& port, const std::stri
 exit_status read_output(const port_output& kind, hba_info& port, reading& state) {
     const std::string path = output_path(port, kind.file_name);
     now_reading(path);
-    const input_file file = open_for_reading(path.c_str());
-    if (file == nullptr) {
+    const input_file file = open_for_reading(path);
+    if (file.stream == nullptr) {
         note(state.findings, finding_code::output_incomplete, port, path,
              "it is missing: a run with --simulate ends with status 51 here.");
         return RET_OK;
@@ -199,8 +199,8 @@ exit_status read_outputs_of(hba_info& port, reading& state) {
 exit_status read_outputs(std::vector<finding>& findings) {
     now_reading(port_list_path());
     speak_of_errors();
-    const input_file file = open_for_reading(port_list_path().c_str());
-    if (file == nullptr) {
+    const input_file file = open_for_reading(port_list_path());
+    if (file.stream == nullptr) {
         return STATUS_OUTPUT_FILE_MISSING;
     }
     if (const exit_status status = read_port_list(file)) {

@@ -196,7 +196,7 @@ void judge_table(std::vector<finding>& findings) {
     const std::span<row_entry*> rows = entries(fc_config_entry_list);
     find_repeated_rows(rows, findings);
     const input_file file = open_for_reading(pHBAConditionsPath);
-    if (file == nullptr) {
+    if (file.stream == nullptr) {
         return;
     }
     auto row = rows.begin();
