@@ -8,7 +8,7 @@
 set -eu
 
 # Each word is a file or command that tells whether its package is there.
-build='g++:g++ cmake:cmake make:make'
+build='g++:g++ cmake:cmake make:make /usr/include/nlohmann/json.hpp:nlohmann-json3-dev'
 packages='file:file dpkg-shlibdeps:dpkg-dev rpmbuild:rpm'
 tests='/usr/include/gtest/gtest.h:libgtest-dev setpriv:util-linux mandoc:mandoc
     lintian:lintian rpmlint:rpmlint fakeroot:fakeroot /usr/share/doc/busybox-static:busybox-static

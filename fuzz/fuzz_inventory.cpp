@@ -19,14 +19,6 @@ namespace {
 
 constexpr std::size_t max_ports = 64;  // the chains of more take the fuzzer's time, not its wits
 
-std::string_view next_kind(std::string_view& rest) {
-    constexpr std::string_view cut = "====\n";
-    const std::size_t at = rest.find(cut);
-    const std::string_view kind = rest.substr(0, at);
-    rest = at == std::string_view::npos ? std::string_view{} : rest.substr(at + cut.size());
-    return kind;
-}
-
 void check_every_chain() {
     for (const hba_info* port : entries(p_hba_info_list)) {
         if (!has_serial_number(*port) && port->flash_port != nullptr) {
@@ -47,8 +39,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     reset_run();
     VerboseLevel = 6;
     std::string_view rest(reinterpret_cast<const char*>(data), size);
-    const std::string_view listing = next_kind(rest);
-    const std::string_view attributes = next_kind(rest);
+    const std::string_view listing = next_section(rest);
+    const std::string_view attributes = next_section(rest);
     try {
         read_port_list(text_file(listing));
         if (entries(p_hba_info_list).size() > max_ports) {

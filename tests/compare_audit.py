@@ -21,11 +21,13 @@ case $1 in
     *) cat "$here/$1.$2" ;;
 esac
 """
-NAMES = ["a.grp", "a1.grp", "b.prg", ".c.grp", "fw", "fw.bin"]
+IMAGES = ["a.grp", "a1.grp", "b.prg", ".c.grp", "fw", "fw.bin"]
+oddness = 1.0  # set for each server
 
 
 def pick(usual, rare, part=0.12):
-    return random.choice(rare) if random.random() < part else usual
+    """Now and then a rare value; on a tidy server hardly ever."""
+    return random.choice(rare) if random.random() < part * oddness else usual
 
 
 def write(path, text):
@@ -54,7 +56,7 @@ def lay_out_controller(tool, serial):
                  "Sub Device ID": random.choice("45")}}
     kinds = random.choice([["iSCSI", "iSCSI", "FCoE", "FCoE"], ["FCoE", "FCoE"], ["iSCSI", "FCoE"], ["FCoE"],
                            ["iSCSI", "FCoE", "FCoE", "FCoE"], ["FCoE"] * 3, ["iSCSI", "FCoE2", "FC", "NIC"]])
-    split = random.random() < 0.1  # its flash port has other identifiers
+    split = pick(False, [True], 0.1)  # its flash port has other identifiers
     blocks = [lay_out_port(tool, c, function, kind, split and function == 0) for function, kind in enumerate(kinds)]
     return c, random.sample(blocks, len(blocks))
 
@@ -65,7 +67,7 @@ def row_for(c):
     storage = pick("VEND | Alpha,Bet | x | OTHER | G,Beta | x", ["VEND | Alpha", "VEND | | x | OTHER | | x"])
     return " | ".join([pick("Acme", ["Acme Corp", "ACME", "Acme Corp."]), pick(c["model"], ["M", "M10", "M3"]), "1A",
                        ids["Device ID"], sub, pick(" ", ["d1", "gone"]), "-", "-",
-                       random.choice(["a.g", "a1", "*.grp", "fw.b", "f"]), pick(" ", ["*.prg", "b", "*.x"], 0.4), "-", "-",
+                       pick(random.choice(["a.g", "a1", "fw.b"]), ["*.grp", "f"], 0.4), random.choice([" ", "*.prg", pick("b", ["*.x"])]), "-", "-",
                        storage])
 
 
@@ -79,12 +81,12 @@ def lay_out(server, build):
     laid_out = [lay_out_controller(tool, serial)
                 for serial in random.sample(["A", "AB", "C", "D", "E"], random.randint(1, 3))]
     write(f"{tool}/listhbas.", "".join(block for _, blocks in laid_out for block in blocks))
-    rows = [row_for(c) for c, _ in laid_out if random.random() < 0.93]
+    rows = [row_for(c) for c, _ in laid_out if pick(True, [False], 0.07)]
     write(f"{server}/FC_HBA_Conditions.txt", "\n".join(rows + rows[:1] * pick(0, [1], 0.05)))
     for directory in [".", "M1", "M10", "M2", "d1"]:
-        if directory == "." or random.random() < 0.85:
+        if directory == "." or pick(True, [False], 0.15):
             os.makedirs(f"{server}/{directory}", exist_ok=True)
-            for image in random.sample(NAMES, random.randint(2, 6)):
+            for image in pick(IMAGES, [random.sample(IMAGES, 4)], 0.6):
                 write(f"{server}/{directory}/{image}", "x")
     wanted = [c["ids"] for c, _ in laid_out if random.random() < 0.8] or [laid_out[0][0]["ids"]]
     return ",".join(":".join(list(ids.values())[:pick(4, [2])]) for ids in wanted) + pick("", [",1A:7"], 0.03)
@@ -130,11 +132,13 @@ def compare(server, build):
 
 
 def main():
+    global oddness
     build, servers = os.path.abspath(sys.argv[1]), int(sys.argv[2])
     seed = int(sys.argv[3]) if len(sys.argv) > 3 else 1
     counts = []
     for number in range(seed, seed + servers):
         random.seed(number)
+        oddness = random.choice([0.05, 1.0])
         server = tempfile.mkdtemp()
         try:
             counts.append(compare(server, build))
@@ -144,4 +148,5 @@ def main():
     print(f"{servers} servers: {counts.count(0)} without a finding, {counts.count(None)} without a flash port")
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -33,3 +33,11 @@ input_file text_file(std::string_view text) {
     FILE* stream = fmemopen(const_cast<char*>(text.data()), text.size(), "r");
     return {.stream = decltype(input_file::stream)(stream), .path = "text"};
 }
+
+std::string_view next_section(std::string_view& rest) {
+    constexpr std::string_view cut = "====\n";
+    const std::size_t at = rest.find(cut);
+    const std::string_view section = rest.substr(0, at);
+    rest = at == std::string_view::npos ? std::string_view{} : rest.substr(at + cut.size());
+    return section;
+}

@@ -13,5 +13,8 @@ struct ended {
 /// Puts back to where a new process has it all that a run fills; of the debug log nothing is held.
 void reset_run();
 
+/// Cuts off `rest` what stands before its next line of "====", and that line.
+std::string_view next_section(std::string_view& rest);
+
 /// A file that reads as `text`, which must outlive it.
 input_file text_file(std::string_view text);
