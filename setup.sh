@@ -16,7 +16,7 @@ tests='/usr/include/gtest/gtest.h:libgtest-dev setpriv:util-linux mandoc:mandoc
     /usr/share/bash-completion/bash_completion:bash-completion valgrind:valgrind
     ansible-playbook:ansible-core python3:python3'
 checks='clang++:clang clang-format:clang-format clang-tidy:clang-tidy cppcheck:cppcheck
-    shellcheck:shellcheck git:git'
+    shellcheck:shellcheck git:git ansible-lint:ansible-lint'
 
 case ${1-} in
     build) wanted=$build ;;

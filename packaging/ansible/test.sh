@@ -1,146 +1,115 @@
 #!/bin/sh
-# Tries both playbooks on this machine: each host of the inventory is a copy of the sample
-# server in a directory of its own.
-#   test.sh BUILD_DIRECTORY
+# test.sh BUILD_DIRECTORY - tries the playbooks on this machine: each host of the inventory is a
+# copy of the sample server in a directory of its own.
 set -eu
 here=$(cd "$(dirname -- "$0")" && pwd)
-tool=$(cd "${1:?usage: $0 BUILD_DIRECTORY}" && pwd)/cnatool-sandbox
+build=$(cd "${1:?usage: $0 BUILD_DIRECTORY}" && pwd)
 demo=$here/../../demo
-
 scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
+trap 'wait; rm -rf "$scratch"' EXIT
 trap 'exit 1' HUP INT TERM
 cd "$scratch"
-
-# No setting of the caller plays a part, and nothing is written outside the directory.
-for name in $(env | sed -n 's/^\(ANSIBLE_[A-Z0-9_]*\)=.*/\1/p'); do
-    unset "$name"
-done
 : > ansible.cfg
-export LC_ALL=C.UTF-8 HOME="$scratch" PWD="$scratch"
-export ANSIBLE_CONFIG="$scratch/ansible.cfg" ANSIBLE_HOME="$scratch/home"
-export ANSIBLE_LOCAL_TEMP="$scratch/home/local" ANSIBLE_REMOTE_TEMP="$scratch/home/remote"
-export ANSIBLE_ASYNC_DIR="$scratch/home/async"
-export ANSIBLE_NOCOLOR=1 ANSIBLE_LOCALHOST_WARNING=false
 
-fail() {
-    echo "FAILED: $1" >&2
-    [ ! -e log ] || cat log >&2
-    exit 1
-}
+fail() { cat "${2-/dev/null}" && printf 'FAILED: %s\n' "$1" && exit 1; } >&2
 
-# play STATUS ARGUMENTS...: runs a playbook, which is to end with STATUS. Its text goes to log.
+# play FAILING FLASHED PLAYBOOK TEXT...: these hosts fail and no other; so many flash commands
+# reach each server, a list of HOST=NUMBER, with no number where it is not asked at all; and each
+# TEXT is said. No setting of the caller plays a part, and all is written below the directory.
 play() {
-    wanted=$1
-    shift
-    status=0
-    rm -f servers/*/opt/emulex/ocmanager/bin/calls.log
-    ansible-playbook -i inventory.yml "$@" > log 2>&1 || status=$?
-    [ "$status" -eq "$wanted" ] || fail "status $status in place of $wanted: $*"
-}
-
-says() {
-    grep -qF -e "$1" log || fail "it does not say: $1"
-}
-
-untouched() {
-    [ ! -e "servers/$1/opt/emulex/ocmanager/bin/calls.log" ] || fail "$1 was touched"
-}
-
-# flashed HOST NUMBER: a server that was asked, and flashed NUMBER times.
-flashed() {
-    count=$(grep -c '^download ' "servers/$1/opt/emulex/ocmanager/bin/calls.log") || true
-    [ "$count" = "$2" ] || fail "$1: '$count' flash commands in place of $2"
-}
-
-kept() {
-    for file in "cnatool-results/$1"/$2; do
-        [ -s "$file" ] || fail "not kept: $file"
+    failing=$1 flashed=$2 playbook=$3 log=$(mktemp -p .) status=0
+    shift 3
+    for pair in $flashed; do rm -f "servers/${pair%=*}/$bin/calls.log"; done
+    # shellcheck disable=SC2086  # the playbook and its arguments
+    env -i PATH="$PATH" HOME="$scratch" PWD="$scratch" LC_ALL=C.UTF-8 ANSIBLE_NOCOLOR=1 \
+        ANSIBLE_REMOTE_TEMP="$scratch/tmp" ANSIBLE_ASYNC_DIR="$scratch/async" ANSIBLE_PIPELINING=1 \
+        ansible-playbook -i inventory.yml "$here"/$playbook < /dev/null > "$log" 2>&1 || status=$?
+    found=$(sed -n 's/^fatal: \[\([a-z]*\).*/\1/p' "$log" | sort -u | xargs)
+    [ "$status $found" = "${failing:+2} $failing" ] || [ "$status$failing$found" = 0 ] ||
+        fail "status $status, failing hosts '$found': $playbook" "$log"
+    for text; do grep -qF -e "$text" "$log" || fail "$playbook does not say: $text" "$log"; done
+    for pair in $flashed; do
+        count=$(grep -c '^download ' "servers/${pair%=*}/$bin/calls.log" 2> /dev/null) || true
+        [ "$count" = "${pair#*=}" ] || fail "$playbook: $pair expected, not $count" "$log"
     done
 }
 
-# server HOST PATTERN: a server that has the ports whose blocks in the list fit the pattern.
+# server HOST PORTS FAULT: it has the ports whose blocks in the list fit the pattern.
+bin=opt/emulex/ocmanager/bin
 server() {
-    bin=servers/$1/opt/emulex/ocmanager/bin
-    mkdir -p "$bin"
-    cp -R "$demo/server/." "servers/$1"
-    cp -R "$demo/hbacmd" "$demo/answers" "$bin"
-    cp "$tool" "servers/$1/cnatool"
+    mkdir -p "servers/$1/$bin"
+    cp -R "$demo/server/." "$build/cnatool-audit" "servers/$1"
+    cp -R "$demo/hbacmd" "$demo/answers" "servers/$1/$bin"
+    cp "$build/cnatool-sandbox" "servers/$1/cnatool"
+    echo "$3" > "servers/$1/$bin/answers/faults.txt"
     awk -v pattern="$2" 'BEGIN { RS = ""; ORS = "\n\n" } $0 ~ pattern' \
-        "$demo/answers/listhbas.txt" > "$bin/answers/listhbas.txt"
+        "$demo/answers/listhbas.txt" > "servers/$1/$bin/answers/listhbas.txt"
 }
-
-server good 'NV4200A1001\nPort Number *: 0'
-server failing 'NV4200A1001\nPort Number *: 0'
-server third 'NV4200A1001\nPort Number *: 0'
-server forbidden 'NV8400B2002\nPort Number *: 0'
-server differing NV4200A1002
-echo 'download * exit 3' > servers/failing/opt/emulex/ocmanager/bin/answers/faults.txt
-
-cat > inventory.yml << 'END'
+for host in good misnamed told third; do server $host 'NV4200A1001\nPort Number *: 0' ''; done
+server failing 'NV4200A1001\nPort Number *: 0' 'download * exit 3'
+server slow NV4200A1001 'listhbas * sleep 9'
+server forbidden 'NV8400B2002\nPort Number *: 0' ''
+server differing NV4200A1002 'download * sleep 12'
+rm servers/failing/cnatool-audit
+sed -i '/0011/!d' servers/good/FC_HBA_Conditions.txt    # whose audit finds nothing
+sed -i 's/^Norvik/Norvig/' servers/misnamed/FC_HBA_Conditions.txt servers/told/FC_HBA_Conditions.txt
+echo '# of this site' >> servers/third/FC_HBA_Conditions.txt
+mv servers/third/FC_HBA_Conditions.txt table
+mkdir images
+cp -R servers/third/nx4200 images
+rm servers/third/nx4200/nx4200-bios-2.07.prg
+cat > inventory.yml << END
 cnatool:
-  hosts:
-    good:
-    failing:
-    forbidden: {cnatool_selection: "F1A0:8402:F2B0:0022"}
-    differing: {cnatool_selection: "F1A0:4201:F2B0:0012", cnatool_options: [--ctrl-wide-identical]}
-    bare:
-    away: {ansible_connection: ssh, ansible_host: 127.0.0.1, ansible_port: 1}
-    third:
+  hosts: {good: , misnamed: {cnatool_failing_findings: [names-differ]},
+    told: {cnatool_refused_findings: []}, failing: , bare: , slow: {cnatool_check_timeout: 1},
+    forbidden: {cnatool_selection: "F1A0:8402:F2B0:0022", cnatool_accepted: [0, 4]},
+    differing: {cnatool_selection: "F1A0:4201:F2B0:0012", cnatool_timeout: 3},
+    away: {ansible_connection: ssh, ansible_host: 127.0.0.1, ansible_port: 1},
+    third: {cnatool_table: $scratch/table, cnatool_images: $scratch/images}}
   vars:
     ansible_connection: local
     ansible_python_interpreter: /usr/bin/python3
     ansible_ssh_common_args: -F /dev/null
     cnatool_selection: "F1A0:4201:F1A0:0011"
-    cnatool_path: "{{ lookup('ansible.builtin.env', 'HOME') }}/servers/{{ inventory_hostname }}/cnatool"
+    cnatool_path: "$scratch/servers/{{ inventory_hostname }}/cnatool"
     cnatool_poll: 1
 END
 
+# The time for this flash is over long before its download.
+play differing differing=1 'flash.yml --limit differing' \
+    'The flash failed: no status: async task did not complete' 'Still to be flashed: none.' &
+hanging=$!
 # A server without the tool must not pass for status 2, the number of the error "no such file".
-play 2 --limit good,failing,forbidden,bare,away "$here/check.yml"
-says '"good: 0 RET_OK"'
-says '"failing: 0 RET_OK"'
-says '"forbidden: 4 RET_INVALID_CTRL_SUBSYSTEM_COMBINATION"'
-says '"bare: no status: Unable to change directory'
-says '"away: unreachable"'
-kept forbidden 'check-*/check.txt'
-flashed good 0
-
-play 0 --limit forbidden -e '{"cnatool_accepted": [0, 4]}' "$here/check.yml"
-says '"forbidden: 4 RET_INVALID_CTRL_SUBSYSTEM_COMBINATION"'
-
-play 2 --limit good,failing,third "$here/flash.yml"
-says 'The flash failed: 10 RET_FLASH_ERROR. The roll-out stops here. Still to be flashed: third.'
-flashed good 2
-flashed failing 1
-untouched third
-for host in good failing; do
-    kept "$host" 'flash-*/check.txt'
-    kept "$host" 'flash-*/local_hba_list.out'
-    kept "$host" 'flash-*/NV4200A1001_2_hba_attributes.out'
-    kept "$host" 'flash-*/NV4200A1001_2_target_mapping.out'
-done
-kept good 'flash-*/nx4200/FWtrace.out'
-grep -q '^Exit status: 10 RET_FLASH_ERROR$' cnatool-results/failing/flash-*/flash.txt ||
-    fail 'the status of the failed flash is not kept'
-
+play 'away bare misnamed slow' 'good=0 slow=0' 'check.yml --limit !differing,!third,!told' \
+    '"good: 0 RET_OK, findings: none"' '"misnamed: 0 RET_OK, findings: names-differ' \
+    '"failing: 0 RET_OK, findings: no-audit"' '"slow: no status: ended after 1 s"' \
+    '"forbidden: 4 RET_INVALID_CTRL_SUBSYSTEM_COMBINATION, findings: ' \
+    '"bare: no status: Unable to change directory' '"away: unreachable"'
+play failing 'told=2 failing=1 third=' 'flash.yml --limit told,failing,third' \
+    '0 RET_OK, findings: names-differ' 'flash commands carried out: 2.' \
+    'The flash failed: 10 RET_FLASH_ERROR. The roll-out stops here. Still to be flashed: third.' &
+rollout=$!
+# Whoever is only gone through is still to be flashed.
+play third 'good=0 third=' 'flash.yml --check --limit good,third' 'commands simulated: 2.' \
+    'Not as on the control machine: FC_HBA_Conditions.txt, nx4200/nx4200-bios-2.07.prg.' \
+    'Still to be flashed: good, third.'
+play '' third= 'install.yml --limit third' 'changed=2'
+play good good= 'check.yml --limit good -e cnatool_selection=' 'cnatool_selection is not to be'
+play good good= 'check.yml --limit good -e {"cnatool_options":["--flash"]}' 'no match for: --flash'
+wait $hanging
+wait $rollout
+timeout 20 sh -c 'until grep -q "^Download to" servers/differing/FWtrace.out; do sleep 1; done' ||
+    fail 'the download was not left alone when its time was over'
 # One batch: nobody in it is flashed where one check fails, also for storage that differs.
-play 2 --limit good,forbidden,differing,third -e cnatool_batch=3 "$here/flash.yml"
-says 'the check says 4 RET_INVALID_CTRL_SUBSYSTEM_COMBINATION.'
-says 'the check says 1 RET_NOT_CTRL_WIDE_IDENTICAL.'
-flashed good 0
-flashed forbidden 0
-flashed differing 0
-untouched third
-
-play 0 --check --limit good "$here/flash.yml"
-says 'flash commands simulated: 2.'
-flashed good 0
-
-play 2 --limit good,third -e cnatool_selection= "$here/flash.yml"
-says 'cnatool_selection is empty'
-untouched good
-
-play 2 --limit good -e '{"cnatool_options": ["--flash"]}' "$here/check.yml"
-says 'cnatool_options is to be a list of words out of'
-untouched good
+play 'differing misnamed' 'good=0 misnamed=0 differing=0 third=' 'flash.yml -e cnatool_batch=3
+    --limit good,misnamed,differing,third -e {"cnatool_options":["--ctrl-wide-identical"]}' \
+    'the check says 1 RET_NOT_CTRL_WIDE_IDENTICAL, findings: ' \
+    'the check says 0 RET_OK, findings: names-differ'
+grep -q '^Exit status: 10 RET_FLASH_ERROR$' cnatool-results/failing/flash-*/flash.txt
+grep -q '^Process ' cnatool-results/differing/flash-*/flash.txt
+(cd cnatool-results && ls -d forbidden/check-*/check.txt misnamed/check-*/audit.json \
+    told/flash-*/nx4200/FWtrace.out failing/flash-*/*_target_mapping.out) > /dev/null
+: > servers/told/Servie_DLL.log
+play '' told= 'purge.yml --limit told'
+diff -r -x opt -x cnatool -x cnatool-audit -x FC_HBA_Conditions.txt "$demo/server" servers/told
+[ ! -e cnatool-results/told ] || fail 'what was kept is still there'
