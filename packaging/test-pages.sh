@@ -32,6 +32,7 @@ statuses_of_readme() {
     awk -F '[|` ]+' '/^\| *[0-9]+ *\| *`RET_/ { print $2, $3 }' "$source_directory/README.md"
 }
 
+grep -qxF -e ".Os cnatool $("$tool" --version)" "$page" || fail "$page is of another version"
 mandoc -T lint -W style "$page" || fail "$page is not clean"
 
 listed=$(statuses_of_program)
