@@ -6,11 +6,7 @@
 
 set -u
 
-if [ $# -ne 1 ] || ! [ -x "$1/cnatool" ]; then
-    echo 'usage: test-pages.sh BUILD_DIR (which holds the built cnatool)' >&2
-    exit 2
-fi
-tool=$1/cnatool
+tool=${1?the build directory}/cnatool
 source_directory=$(dirname -- "$0")/..
 page=$source_directory/docs/cnatool.8
 failures=0

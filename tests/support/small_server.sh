@@ -1,3 +1,4 @@
+# shellcheck shell=sh
 # Makes of the sample server, in the current directory, the smallest one on which a run says nearly
 # every line: a controller's flash port and its two FCoE ports, of which one says all that a port
 # can say, and a port without a serial number.
