@@ -140,7 +140,8 @@ def main():
     results, lock = collections.Counter(), threading.Lock()
     drawn = faults(random.Random(options.seed))
     with tempfile.TemporaryDirectory() as top:
-        workers = [threading.Thread(target=work, args=(top, drawn, options.count, results, lock))
+        workers = [threading.Thread(target=work, args=(top, drawn, options.count, results, lock),
+                                    daemon=True)
                    for _ in range(options.workers)]
         for worker in workers:
             worker.start()

@@ -1,5 +1,5 @@
 // Whole runs of the tool on the sample server: status, text, the calls that reached the
-// stand-in for the management tool, and the files that are left.
+// stand-in for the management tool, and the files that are left. The cheap ones come first.
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -23,6 +23,89 @@ constexpr bool address_sanitizer = __has_feature(address_sanitizer);
 #else
 constexpr bool address_sanitizer = false;
 #endif
+
+// The whole text of a check and a flash, at each level.
+TEST(Run, SaysEachLineFromItsLevelOn) {
+    for (int level = 0; level <= 6; ++level) {
+        const run_result result = server().run(
+            "small_server; unset TMPDIR; ./cnatool --flash --check-for-valid-subsystem -pci-id $C1 "
+            "-v " +
+            std::to_string(level));
+        EXPECT_EQ(result.out, golden("run.txt", level)) << level;
+        EXPECT_EQ(result.status, 0) << level;
+    }
+}
+
+TEST(Run, CallsThatEndOnTheCommandLineAreExact) {
+    const server host;
+    const string variables = "LONG=" + string(1024, '1') + " PATH_LONG=" + string(1002, 'p') + "; ";
+    for (test_case& c : cases("calls.txt")) {
+        const string says = c["says"].ends_with(".txt") ? golden(c["says"]) : c["says"];
+        std::istringstream calls(c["words"]);
+        for (string words; std::getline(calls >> std::ws, words, '|');) {
+            const run_result result = host.run(variables + "./cnatool " + words);
+            const string first = replaced(words.substr(0, words.find(' ')), "/", "-");
+            EXPECT_EQ(std::to_string(result.status), c["status"]) << words;
+            EXPECT_EQ(result.out, replaced(says, "@", first)) << words;
+            EXPECT_EQ(result.err, "") << words;
+        }
+    }
+    EXPECT_EQ(host.calls(), "");
+    EXPECT_EQ(host.run("cp -L cnatool a-name-longer-than-its-text-field-holds; "
+                       "./a-name-longer-than-its-text-field-holds --info")
+                  .out,
+              "\na-name-longer-than-its-text-fie version 1.4.0.0\n");
+}
+
+// Wherever in a run the memory ends, the run says so and ends with the same status.
+TEST(Run, MemoryThatRunsOutAnywhereEndsTheRun) {
+    const server host;
+    ASSERT_EQ(host.run("small_server; ./cnatool -pci-id $C1").status, 0);
+    int last = -1;
+    for (long count = 0; last != RET_OK; ++count) {
+        const pid_t child = fork();
+        if (child == 0) {
+            if (chdir(host.path.c_str()) != 0 || freopen("said", "w", stdout) == nullptr) {
+                _exit(99);
+            }
+            string words[] = {"./cnatool", "--simulate", "-pci-id", "F1A0:4201:F1A0:0011"};
+            std::array<char*, 4> argv{};
+            std::transform(std::begin(words), std::end(words), argv.begin(),
+                           [](string& word) { return word.data(); });
+            allocations_left = count;
+            int status = 98;
+            try {
+                status = program_run(static_cast<int>(argv.size()), argv.data());
+            } catch (const ended& end) {
+                status = end.status;
+            }
+            std::fflush(stdout);
+            _exit(status);
+        }
+        ASSERT_EQ(waitpid(child, &last, 0), child);
+        ASSERT_TRUE(WIFEXITED(last)) << "after " << count << " allocations";
+        last = WEXITSTATUS(last);
+        ASSERT_TRUE(last == RET_OK || last == RET_MEMALLOC_FAIL) << last << " after " << count;
+        EXPECT_EQ(
+            read_file(host.path / "said").ends_with("Error: cnatool, Memory allocation failed!\n"),
+            last == RET_MEMALLOC_FAIL)
+            << "after " << count << " allocations";
+    }
+}
+
+// What C1's first port says of its storage, Arctis 400 of HELMSTOR, under a row with these triples.
+TEST(Run, StorageIsHeldAgainstTheTriplesInTheirOrder) {
+    const string attached =
+        "\n\t\tAttached storage sub-system:\n\t\t\t\tHELMSTOR\n\t\t\t\tArctis 400\n\t\t\t\t0401\n";
+    for (test_case& c : cases("validations.txt")) {
+        const run_result result =
+            server().run("echo 'N | NX | F1A0 | 4201 | F1A0 | 0011 | d | - | - | f | b | - | - " +
+                         c["allowed"] + "' > FC_HBA_Conditions.txt; ./cnatool -v 5 -pci-id $C1");
+        const string says = "PCI function: 2\n" + replaced(c["says"], "@", attached) + "\t\tTake";
+        EXPECT_EQ(std::to_string(result.status), c["status"]) << c["allowed"];
+        EXPECT_NE(result.out.find(says), string::npos) << says << "\n" << result.out;
+    }
+}
 
 // Runs a command and compares what the keys of its case name.
 void expect_run(test_case& c, const server& host, const string& command) {
@@ -62,91 +145,6 @@ TEST(Run, HoldsWhenInterruptedOrOvertaken) { run_table("interruptions.txt"); }
 TEST(Run, HoldsWhenTheWorldMisbehaves) { run_table("misbehaving.txt"); }
 
 TEST(Run, FlashReachesTheRightControllersAndNothingElse) { run_table("flashes.txt"); }
-
-// What C1's first port says of its storage, Arctis 400 of HELMSTOR, under a row with these triples.
-TEST(Run, StorageIsHeldAgainstTheTriplesInTheirOrder) {
-    const string attached =
-        "\n\t\tAttached storage sub-system:\n\t\t\t\tHELMSTOR\n\t\t\t\tArctis 400\n\t\t\t\t0401\n";
-    for (test_case& c : cases("validations.txt")) {
-        const run_result result =
-            server().run("echo 'N | NX | F1A0 | 4201 | F1A0 | 0011 | d | - | - | f | b | - | - " +
-                         c["allowed"] + "' > FC_HBA_Conditions.txt; ./cnatool -v 5 -pci-id $C1");
-        const string says = "PCI function: 2\n" + replaced(c["says"], "@", attached) + "\t\tTake";
-        EXPECT_EQ(std::to_string(result.status), c["status"]) << c["allowed"];
-        EXPECT_NE(result.out.find(says), string::npos) << says << "\n" << result.out;
-    }
-}
-
-// The whole text of a check and a flash, at each level.
-TEST(Run, SaysEachLineFromItsLevelOn) {
-    for (int level = 0; level <= 6; ++level) {
-        const run_result result = server().run(
-            "small_server; unset TMPDIR; ./cnatool --flash --check-for-valid-subsystem -pci-id $C1 "
-            "-v " +
-            std::to_string(level));
-        EXPECT_EQ(result.out, golden("run.txt", level)) << level;
-        EXPECT_EQ(result.status, 0) << level;
-    }
-}
-
-// Wherever in a run the memory ends, the run says so and ends with the same status.
-TEST(Run, MemoryThatRunsOutAnywhereEndsTheRun) {
-    const server host;
-    ASSERT_EQ(host.run("small_server; ./cnatool -pci-id $C1").status, 0);
-    int last = -1;
-    for (long count = 0; last != RET_OK; ++count) {
-        const pid_t child = fork();
-        if (child == 0) {
-            if (chdir(host.path.c_str()) != 0 || freopen("said", "w", stdout) == nullptr) {
-                _exit(99);
-            }
-            string words[] = {"./cnatool", "--simulate", "-pci-id", "F1A0:4201:F1A0:0011"};
-            std::array<char*, 4> argv{};
-            std::transform(std::begin(words), std::end(words), argv.begin(),
-                           [](string& word) { return word.data(); });
-            allocations_left = count;
-            int status = 98;
-            try {
-                status = program_run(static_cast<int>(argv.size()), argv.data());
-            } catch (const ended& end) {
-                status = end.status;
-            }
-            std::fflush(stdout);
-            _exit(status);
-        }
-        ASSERT_EQ(waitpid(child, &last, 0), child);
-        ASSERT_TRUE(WIFEXITED(last)) << "after " << count << " allocations";
-        last = WEXITSTATUS(last);
-        ASSERT_TRUE(last == RET_OK || last == RET_MEMALLOC_FAIL) << last << " after " << count;
-        EXPECT_EQ(
-            read_file(host.path / "said").ends_with("Error: cnatool, Memory allocation failed!\n"),
-            last == RET_MEMALLOC_FAIL)
-            << "after " << count << " allocations";
-    }
-}
-
-// --- the command line ---------------------------------------------------------------------
-
-TEST(Run, CallsThatEndOnTheCommandLineAreExact) {
-    const server host;
-    const string variables = "LONG=" + string(1024, '1') + " PATH_LONG=" + string(1002, 'p') + "; ";
-    for (test_case& c : cases("calls.txt")) {
-        const string says = c["says"].ends_with(".txt") ? golden(c["says"]) : c["says"];
-        std::istringstream calls(c["words"]);
-        for (string words; std::getline(calls >> std::ws, words, '|');) {
-            const run_result result = host.run(variables + "./cnatool " + words);
-            const string first = replaced(words.substr(0, words.find(' ')), "/", "-");
-            EXPECT_EQ(std::to_string(result.status), c["status"]) << words;
-            EXPECT_EQ(result.out, replaced(says, "@", first)) << words;
-            EXPECT_EQ(result.err, "") << words;
-        }
-    }
-    EXPECT_EQ(host.calls(), "");
-    EXPECT_EQ(host.run("cp -L cnatool a-name-longer-than-its-text-field-holds; "
-                       "./a-name-longer-than-its-text-field-holds --info")
-                  .out,
-              "\na-name-longer-than-its-text-fie version 1.4.0.0\n");
-}
 
 // --- a failing management tool ------------------------------------------------------------
 
