@@ -20,7 +20,6 @@ import threading
 HERE = pathlib.Path(__file__).resolve().parent.parent
 WHOLE_RUNS = '^(Run|Misbehav)'  # they come last: what a cheaper test notices is settled before
 TEST_SECONDS = 150              # a test that takes longer has noticed the fault
-PROCESSOR_SECONDS = 40          # so has one whose process computes for so long
 # Where a fault can be: a group of these in code whose texts are blanked out.
 PLACES = {'comparison': r' (==|!=|<=|>=|<|>) ',
           'logic': r' (&&|\|\|) |\b(true|false)\b',
@@ -43,8 +42,8 @@ def blanked(line):
 
 def changed(kind, old, rng):
     """What stands in place of `old`; the same where nothing fits."""
-    if kind == 'statement':
-        return ';'
+    if kind in ('statement', 'row'):
+        return ';' if kind == 'statement' else old
     if kind == 'text':  # a letter that belongs to no escape or placeholder
         letters = [match.start() for match in re.finditer(r'(?<![\\%\d*])[A-Za-z>:=]', old)]
         at = rng.choice(letters or [len(old)])
@@ -65,11 +64,9 @@ def faults(rng):
             for kind, match in ((kind, match) for kind, pattern in PLACES.items()
                                 for match in re.finditer(pattern, code[number])):
                 start, end = match.span(match.lastindex)
-                if kind == 'row':  # changes places with the next
-                    new = lines[number + 1:number + 2] + [line]
-                    new = new if re.match(PLACES[kind], code[number + 1]) else [line]
-                else:
-                    new = [line[:start] + changed(kind, line[start:end], rng) + line[end:]]
+                new = [line[:start] + changed(kind, line[start:end], rng) + line[end:]]
+                if kind == 'row' and re.match(PLACES[kind], code[number + 1]):
+                    new = [lines[number + 1], line]  # they change places
                 old = lines[number:number + len(new)]
                 is_end = kind == 'statement' and not re.search(r'(^|[;{}:])$', code[number - 1])
                 if new != old and not is_end:
@@ -80,9 +77,8 @@ def faults(rng):
 
 def limit():
     """No fault may fill the machine."""
-    for what, most in ((resource.RLIMIT_AS, 4 << 30), (resource.RLIMIT_FSIZE, 256 << 20),
-                       (resource.RLIMIT_CPU, PROCESSOR_SECONDS), (resource.RLIMIT_CORE, 0)):
-        resource.setrlimit(what, (most, most))
+    for what, most in (('AS', 4 << 30), ('FSIZE', 256 << 20), ('CPU', 40), ('CORE', 0)):
+        resource.setrlimit(getattr(resource, 'RLIMIT_' + what), (most, most))
 
 
 def succeeds(top, *command):
@@ -110,13 +106,12 @@ def work(top, drawn, count, results, lock):
     shutil.copytree(HERE, top / 'tree', ignore=shutil.ignore_patterns('.git', 'build*'))
     succeeds(top, 'cmake', '-S', top / 'tree', '-B', top / 'build', '-DCMAKE_BUILD_TYPE=None',
              '-DCMAKE_CXX_FLAGS=-O0', '-DCNATOOL_TESTS=REQUIRED')
-    sound = verdict(top) == 'missed'
-    while sound:
+    if verdict(top) != 'missed':
+        print('Without a fault the sources do not build or pass.', file=sys.stderr)
+        return
+    while results['caught'] + results['missed'] < count:
         with lock:
-            fault = next(drawn, None)
-        if fault is None or results['caught'] + results['missed'] >= count:
-            return
-        path, number, kind, old, new = fault
+            path, number, kind, old, new = next(drawn)
         text = (top / 'tree' / path).read_text()
         lines = text.split('\n')
         lines[number:number + len(new)] = new
@@ -128,7 +123,6 @@ def work(top, drawn, count, results, lock):
             if result == 'missed':
                 print(f'{path}:{number + 1}: {kind}', *('- ' + line for line in old),
                       *('+ ' + line for line in new), sep='\n', flush=True)
-    print('Without a fault the sources do not build or pass.', file=sys.stderr)
 
 
 def main():

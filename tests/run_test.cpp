@@ -53,6 +53,7 @@ TEST(Run, CallsThatEndOnTheCommandLineAreExact) {
 TEST(Run, MemoryThatRunsOutAnywhereEndsTheRun) {
     const server host;
     ASSERT_EQ(host.run("small_server; ./cnatool -pci-id $C1").status, 0);
+    string all;
     int last = -1;
     for (long count = 0; last != RET_OK; ++count) {
         const pid_t child = fork();
@@ -78,10 +79,15 @@ TEST(Run, MemoryThatRunsOutAnywhereEndsTheRun) {
         ASSERT_TRUE(WIFEXITED(last)) << "after " << count << " allocations";
         last = WEXITSTATUS(last);
         ASSERT_TRUE(last == RET_OK || last == RET_MEMALLOC_FAIL) << last << " after " << count;
-        EXPECT_EQ(
-            read_file(host.path / "said").ends_with("Error: cnatool, Memory allocation failed!\n"),
-            last == RET_MEMALLOC_FAIL)
-            << "after " << count << " allocations";
+        const string said = read_file(host.path / "said");
+        EXPECT_EQ(said.ends_with("Error: cnatool, Memory allocation failed!\n"),
+                  last == RET_MEMALLOC_FAIL)
+            << said << "after " << count << " allocations";
+        all += said;
+    }
+    for (const char* what : {"fc_config_file entry", "fc_periphery_info"}) {
+        EXPECT_NE(all.find(string("\nCould not allocate memory for new ") + what + ".\n"),
+                  string::npos);
     }
 }
 
