@@ -7,7 +7,7 @@ cd "$(dirname -- "$(readlink -f -- "$0")")"
 place=$(demo/scratch_place)
 echo "Building the tool in $PWD/build; the first time takes up to a minute ..."
 cmake -S . -B build > /dev/null
-cmake --build build -j "$(nproc)" --target cnatool cnatool-sandbox > /dev/null
+cmake --build build -j "$(nproc)" --target cnatool cnatool-sandbox cnatool-audit > /dev/null
 
 top=$PWD
 server=$(mktemp -d "$place/cnatool-demo.XXXXXX")
@@ -17,6 +17,7 @@ cp -R "$top/demo/server/." "$server"
 mkdir -p "$server/opt/emulex/ocmanager/bin"
 cp -R "$top/demo/hbacmd" "$top/demo/answers" "$server/opt/emulex/ocmanager/bin"
 cp "$top/build/cnatool-sandbox" "$server/cnatool"
+cp "$top/build/cnatool-audit" "$server"
 cd "$server"
 unset TMPDIR
 
@@ -83,5 +84,23 @@ run 10 --flash -pci-id "$c2"
 : > "$faults"
 say "An image that is missing"
 run 20 --flash -pci-id "$c4"
+
+# audit STATUS ARGUMENTS...: the same for an audit.
+audit() {
+    wanted=$1
+    shift
+    printf '\n$ ./cnatool-audit'
+    [ $# -eq 0 ] || printf ' %s' "$@"
+    printf '\n'
+    status=0
+    ./cnatool-audit "$@" || status=$?
+    printf '=> exit status %d\n' "$status"
+    [ "$status" -eq "$wanted" ] || { echo "expected: $wanted" >&2; exit 1; }
+}
+
+say "What there is to select, and what the table says that may not be meant"
+audit 1
+say "What an answer about two controllers rests on, and what a flash would send"
+audit 1 --flash -pci-id "$c1,$c4"
 
 printf '\nAll runs ended as expected.\n'

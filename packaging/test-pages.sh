@@ -1,7 +1,7 @@
 #!/bin/bash
 #
-# test-pages.sh BUILD_DIR - the manual page is clean, the manual page and README.md name the exit
-# statuses of the program, and the manual page and the program know the options that the
+# test-pages.sh BUILD_DIR - the manual pages are clean, that of cnatool and README.md name the exit
+# statuses of the program, and each manual page and its program know the options that the
 # completion offers
 
 set -u
@@ -46,17 +46,22 @@ for place in page readme; do
         fail "the statuses of the program (<) and of the $place (>) differ:" "$difference"
 done
 
-# shellcheck source=/dev/null
-source "$source_directory/packaging/completion/cnatool"
-COMP_WORDS=(cnatool '')
-COMP_CWORD=1
-_cnatool
-[ "${#COMPREPLY[@]}" -gt 0 ] || fail 'the completion offers nothing'
-described=$(awk '/^\.It Fl/ { for (i = 3; i <= NF; ++i) print $i }' "$page" | sed 's/^\\&//')
-for option in "${COMPREPLY[@]}"; do
-    grep -qxF -e "${option#-}" <<< "$described" || fail "the page does not describe $option"
-    # The help behind it ends the call, whether it is taken or refused as a value.
-    ! "$tool" "$option" --help | grep -qF 'Invalid argument' || fail "no option: $option"
+for program in cnatool cnatool-audit; do
+    # shellcheck source=/dev/null
+    source "$source_directory/packaging/completion/$program"
+    COMP_WORDS=("$program" '')
+    COMP_CWORD=1
+    "_${program//-/_}"
+    [ "${#COMPREPLY[@]}" -gt 0 ] || fail "the completion of $program offers nothing"
+    described=$(awk '/^\.It Fl/ { for (i = 3; i <= NF; ++i) print $i }' \
+        "$source_directory/docs/$program.8" | sed 's/^\\&//')
+    for option in "${COMPREPLY[@]}"; do
+        grep -qxF -e "${option#-}" <<< "$described" ||
+            fail "the page of $program does not describe $option"
+        # The help behind it ends the call, whether it is taken or refused as a value.
+        ! "$1/$program" "$option" --help 2>&1 | grep -qF 'Invalid argument' ||
+            fail "no option of $program: $option"
+    done
 done
 
 [ "$failures" -eq 0 ] || exit 1

@@ -16,7 +16,8 @@ using std::string;
 
 // The outputs of a run on another copy of the server, and a table of which nothing odd can be said.
 const char sound_server[] =
-    "cp $RUN/*.out . && sed -i 's/SOLVEIG *|  *| -/SOLVEIG | Tindra | -/' FC_HBA_Conditions.txt; "
+    "cp $RUN/*.out . && sed -i '/^#/d; s/SOLVEIG *|  *| -/SOLVEIG | Tindra | -/' "
+    "FC_HBA_Conditions.txt; "
     "F=NV4200A1001_; ";
 const char of_one_run[] = "\ntouch -r local_hba_list.out *.out\n";
 const char all_files[] = "find . -printf '%p %s %T@\\n' | sort | cksum";

@@ -24,10 +24,12 @@ json storage_of(const hba_info& port) {
 }
 
 json allowed_by(const surveyed_port& port) {
-    return port.allowed_by == nullptr ? json()
-                                      : json{{"line", port.checked_by->line},
-                                             {"vendor", port.allowed_by->vendor},
-                                             {"products", port.allowed_by->product_list}};
+    if (port.checked_by == nullptr || port.allowed_by == nullptr) {
+        return nullptr;
+    }
+    return {{"line", port.checked_by->line},
+            {"vendor", port.allowed_by->vendor},
+            {"products", port.allowed_by->product_list}};
 }
 
 json port_of(const surveyed_port& surveyed) {
