@@ -140,7 +140,7 @@ void judge_left_out(const controller& selected, const surveyed_port& left_out, c
     if (!left_out.on_chain) {
         note(port.flash_port == &port
                  ? "no check visits it: the flash port is not on the chain that hangs on it."
-                 : "no check visits it: a chain holds two FCoE ports, and this is neither.");
+                 : "no check visits it: it is not on the chain that hangs on its flash port.");
         return;
     }
     const chain_state& chain = chain_at(*port.flash_port, state.chains);
