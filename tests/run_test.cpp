@@ -43,10 +43,6 @@ TEST(Run, CallsThatEndOnTheCommandLineAreExact) {
         }
     }
     EXPECT_EQ(host.calls(), "");
-    EXPECT_EQ(host.run("cp -L cnatool a-name-longer-than-its-text-field-holds; "
-                       "./a-name-longer-than-its-text-field-holds --info")
-                  .out,
-              "\na-name-longer-than-its-text-fie version 1.4.0.0\n");
 }
 
 // Wherever in a run the memory ends, the run says so and ends with the same status.
@@ -56,6 +52,7 @@ TEST(Run, MemoryThatRunsOutAnywhereEndsTheRun) {
     string all;
     int last = -1;
     for (long count = 0; last != RET_OK; ++count) {
+        ASSERT_LT(count, 10000);
         const pid_t child = fork();
         if (child == 0) {
             if (chdir(host.path.c_str()) != 0 || freopen("said", "w", stdout) == nullptr) {
@@ -105,30 +102,25 @@ TEST(Run, StorageIsHeldAgainstTheTriplesInTheirOrder) {
     }
 }
 
-// Runs a command and compares what the keys of its case name.
-void expect_run(test_case& c, const server& host, const string& command) {
-    const run_result result = host.run(command);
-    EXPECT_EQ(std::to_string(result.status), c["status"]) << command << "\n" << result.err;
-    EXPECT_NE(result.out.find(c["says"]), string::npos) << command << "\n" << result.out;
-    EXPECT_NE(result.err.find(c["stderr"]), string::npos) << command << "\n" << result.err;
-    EXPECT_TRUE(!c.contains("lacks") || result.out.find(c["lacks"]) == string::npos) << command;
-    if (c.contains("reached")) {
-        string downloads;
-        std::istringstream calls(host.calls());
-        for (string call; std::getline(calls, call);) {
-            downloads += call.starts_with("download") ? call + "\n" : "";
-        }
-        EXPECT_EQ(downloads, c["reached"]) << command << "\n" << result.out;
-    }
-}
-
 // A case with "from" is run at that level and at the one below, where what it says is missing.
 void run_table(const char* name) {
     for (test_case& c : cases(name)) {
         if (SANITIZED && c.contains("without")) {
             continue;  // sanitizers need more address space than the case leaves
         }
-        expect_run(c, server(), "V=" + c["from"] + "; " + c["run"]);
+        const server host;
+        const run_result result = host.run("V=" + c["from"] + "; " + c["run"]);
+        EXPECT_EQ(std::to_string(result.status), c["status"]) << c["run"] << "\n" << result.err;
+        EXPECT_NE(result.out.find(c["says"]), string::npos) << c["run"] << "\n" << result.out;
+        EXPECT_NE(result.err.find(c["stderr"]), string::npos) << c["run"] << "\n" << result.err;
+        if (c.contains("reached")) {
+            string downloads;
+            std::istringstream calls(host.calls());
+            for (string call; std::getline(calls, call);) {
+                downloads += call.starts_with("download") ? call + "\n" : "";
+            }
+            EXPECT_EQ(downloads, c["reached"]) << c["run"] << "\n" << result.out;
+        }
         if (!c["from"].empty()) {
             const string below = "V=" + std::to_string(std::stoi(c["from"]) - 1) + "; " + c["run"];
             EXPECT_EQ(server().run(below).out.find(c["says"]), string::npos) << below;
@@ -142,23 +134,11 @@ TEST(Run, HoldsWhenInterruptedOrOvertaken) { run_table("interruptions.txt"); }
 
 TEST(Run, HoldsWhenTheWorldMisbehaves) { run_table("misbehaving.txt"); }
 
+TEST(Run, SaysTheRestFromItsLevelOn) { run_table("levels.txt"); }
+
 TEST(Run, FlashReachesTheRightControllersAndNothingElse) { run_table("flashes.txt"); }
 
-// --- a failing management tool ------------------------------------------------------------
-
-TEST(Run, FaultsOfTheManagementToolAreReported) {
-    const string nobody = geteuid() == 0 ? "setpriv --reuid 65534 --clear-groups" : "";
-    for (test_case& c : cases("faults.txt")) {
-        const server host;
-        fs::permissions(host.path, fs::perms(0755));
-        c["lacks"] = "Success, flash";
-        expect_run(c, host,
-                   "P=10:00:02:00:5e:10:01:02 F=NV4200A1001_2_ NOBODY='" + nobody +
-                       "' AS=; set -f; " + c["first"] + "; $AS ./cnatool " + c["options"] +
-                       " -pci-id $C1");
-        fs::permissions(host.path, fs::perms(0755));
-    }
-}
+TEST(Run, FaultsOfTheManagementToolAreReported) { run_table("faults.txt"); }
 
 // --- hostile values -----------------------------------------------------------------------
 
