@@ -156,33 +156,25 @@ void lay_out_one_port(const server& host, const string& serial, const string& fu
     write_file(host.path / "FC_HBA_Conditions.txt", "V | M | 1 | 2 | 0 | 0 | | a | b | fw.bin");
 }
 
+// Which characters are unsafe is a matter of the command; here the places where they come from.
 TEST(Run, HostileValuesReachNoShell) {
-    const string shell_characters = "|&;<>()$`\\'{\"";
-    for (const char c : shell_characters) {
-        const string value{'a', c};
-        const string function{'0', c};
-        string image = "fw.bin";
-        image += c;
-        for (int place = 0; place < 6; ++place) {
-            if (c == '"' && place < 5) {
-                continue;  // turned into a blank where output is read
-            }
-            const server host;
-            lay_out_one_port(host, place == 0 ? value : "SN", place == 1 ? function : "0",
-                             place == 2 ? "FCoE" : "iSCSI",
-                             place == 2 || place == 3 ? value : "MAC", place == 4 ? value : "M");
-            fs::create_directory(host.path / (place == 4 ? value : "M"));
-            write_file(host.path / (place == 4 ? value : "M") / (place == 5 ? image : "fw.bin"),
-                       "image");
-            const run_result result = host.run("./cnatool --flash -pci-id 1:2");
-            EXPECT_EQ(result.status, place < 4 ? 51 : 10) << value << place << result.out;
-            const string named = place == 5 ? "./M/" + image : place == 1 ? function : value;
-            const std::size_t said = result.out.find("Error: Unsafe value '");
-            ASSERT_NE(said, string::npos) << value << place << result.out;
-            EXPECT_NE(result.out.find(named, said), string::npos) << result.out;
-            EXPECT_EQ(host.calls(), place < 4 ? "listhbas\n" : "listhbas\nhbaattributes MAC\n");
-            EXPECT_FALSE(fs::exists(host.path / "a")) << value;
-        }
+    for (int place = 0; place < 6; ++place) {
+        const string value = place == 1 ? "0;" : "a;";
+        const string image = place == 5 ? "fw.bin\"" : "fw.bin";
+        const string model = place == 4 ? value : "M";
+        const server host;
+        lay_out_one_port(host, place == 0 ? value : "SN", place == 1 ? value : "0",
+                         place == 2 ? "FCoE" : "iSCSI", place == 2 || place == 3 ? value : "MAC",
+                         model);
+        fs::create_directory(host.path / model);
+        write_file(host.path / model / image, "image");
+        const run_result result = host.run("./cnatool --flash -pci-id 1:2");
+        EXPECT_EQ(result.status, place < 4 ? 51 : 10) << place << result.out;
+        const std::size_t said = result.out.find("Error: Unsafe value '");
+        ASSERT_NE(said, string::npos) << place << result.out;
+        EXPECT_NE(result.out.find(place == 5 ? "./M/" + image : value, said), string::npos);
+        EXPECT_EQ(host.calls(), place < 4 ? "listhbas\n" : "listhbas\nhbaattributes MAC\n");
+        EXPECT_FALSE(fs::exists(host.path / "a"));
     }
 }
 
