@@ -94,8 +94,8 @@ play good good= 'check.yml --limit good -e cnatool_selection=' 'cnatool_selectio
 play good good= 'check.yml --limit good -e {"cnatool_options":["--flash"]}' 'no match for: --flash'
 wait $hanging
 wait $rollout
-timeout 60 sh -c 'until grep -q "^Download to" servers/differing/FWtrace.out; do sleep 1; done' ||
-    fail 'the download was not left alone when its time was over'
+timeout 60 sh -c 'until grep -q Success servers/differing/cnatool-flash.out; do sleep 1; done' ||
+    fail 'the flash was not left alone when its time was over'
 # One batch: nobody in it is flashed where one check fails, also for storage that differs.
 play 'differing misnamed' 'good=0 misnamed=0 differing=0 third=' 'flash.yml -e cnatool_batch=3
     --limit good,misnamed,differing,third -e {"cnatool_options":["--ctrl-wide-identical"]}' \
