@@ -108,6 +108,24 @@ TEST(Readers, LongValuesStayInTheirField) {
         });
 }
 
+// A key that no line of the sample server begins with is misspelt.
+template <typename Record>
+void expect_said(std::span<const key_row<Record>> keys, const char* folder) {
+    string lines;
+    for (const auto& file : std::filesystem::directory_iterator(folder)) {
+        lines += "\n" + read_file(file.path());
+    }
+    for (const key_row<Record>& row : keys) {
+        EXPECT_NE(lines.find("\n" + string(row.key) + " "), string::npos) << row.key;
+    }
+}
+
+TEST(Readers, KeysAreThoseOfTheSampleServer) {
+    expect_said(port_list_keys(), SOURCE_DIRECTORY "/demo/answers");
+    expect_said(port_attribute_keys(), SOURCE_DIRECTORY "/demo/answers/hbaattributes");
+    expect_said(target_mapping_keys(), SOURCE_DIRECTORY "/demo/answers/targetmapping");
+}
+
 // --- order and flash ports ----------------------------------------------------------------
 
 // Ports "TYPE SERIAL FUNCTION[/NUMBER]", separated by commas.
