@@ -67,17 +67,20 @@ TEST(Readers, LinesFillRecordsAndAreEchoed) {
     });
 }
 
-// A value of 5,000 characters fills the field of its key, and of the record nothing else; so no
-// key stands behind one that it begins with.
+// A value of 5,000 characters fills the field of its key, which is as wide as is said here, and of
+// the record nothing else; so no key stands behind one that it begins with.
 template <typename Record>
-void expect_kept(std::span<const key_row<Record>> keys, Record& (*read)(const string&)) {
+void expect_kept(std::span<const key_row<Record>> keys, const char* widths,
+                 Record& (*read)(const string&)) {
     static const Record empty{};
+    string found;
     for (const key_row<Record>& row : keys) {
         if (row.field == nullptr) {
             continue;
         }
         Record record = read(string(row.key) + " : " + string(5000, 'x') + "\n");
         const std::span<char> field = row.field(record);
+        found.append(std::to_string(field.size())).append(" ");
         EXPECT_EQ(field.data(), string(field.size() - 1, 'x')) << row.key;
         std::fill(field.begin(), field.end(), '\0');
         if (row.number != nullptr) {
@@ -85,23 +88,29 @@ void expect_kept(std::span<const key_row<Record>> keys, Record& (*read)(const st
         }
         EXPECT_EQ(std::memcmp(&record, &empty, sizeof empty), 0) << row.key;
     }
+    EXPECT_EQ(found, widths);
 }
 
 TEST(Readers, LongValuesStayInTheirField) {
     reset_run();
-    expect_kept<hba_info>(port_list_keys(), [](const string& text) -> hba_info& {
-        EXPECT_EQ(read_port_list(text_file("Port WWN :\n" + text)), RET_OK);
-        return *entries(p_hba_info_list).back();
-    });
+    expect_kept<hba_info>(port_list_keys(), "24 24 24 18 18 10 64 64 24 6 16 4 4 16 64 ",
+                          [](const string& text) -> hba_info& {
+                              EXPECT_EQ(read_port_list(text_file("Port WWN :\n" + text)), RET_OK);
+                              return *entries(p_hba_info_list).back();
+                          });
     static hba_info port;
     expect_kept<hba_attributes_entry>(
-        port_attribute_keys(), [](const string& text) -> hba_attributes_entry& {
+        port_attribute_keys(),
+        "64 64 24 256 64 24 256 16 16 5 4 32 5 64 16 18 10 16 16 16 5 16 5 5 5 16 16 16 16 16 16 "
+        "16 16 16 16 16 16 16 16 16 10 ",
+        [](const string& text) -> hba_attributes_entry& {
             EXPECT_EQ(read_port_attributes(text_file("HBA Attributes for\n" + text), port, ""),
                       RET_OK);
             return *port.attributes;
         });
     expect_kept<target_mapping_entry>(
-        target_mapping_keys(), [](const string& text) -> target_mapping_entry& {
+        target_mapping_keys(), "24 5 128 64 64 16 5 12 12 ",
+        [](const string& text) -> target_mapping_entry& {
             port.target_mapping = nullptr;
             EXPECT_EQ(read_target_mapping(text_file("\n\n\n\n" + text), port), RET_OK);
             return *port.target_mapping;
