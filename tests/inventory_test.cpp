@@ -122,10 +122,10 @@ template <typename Record>
 void expect_said(std::span<const key_row<Record>> keys, const char* folder) {
     string lines;
     for (const auto& file : std::filesystem::directory_iterator(folder)) {
-        lines += "\n" + read_file(file.path());
+        lines.append("\n").append(read_file(file.path()));
     }
     for (const key_row<Record>& row : keys) {
-        EXPECT_NE(lines.find("\n" + string(row.key) + " "), string::npos) << row.key;
+        EXPECT_NE(lines.find(string("\n").append(row.key).append(" ")), string::npos) << row.key;
     }
 }
 
