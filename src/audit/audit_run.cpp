@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <new>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -15,12 +16,14 @@
 #include "base/ground.h"
 #include "base/list.h"
 #include "base/run_lock.h"
+#include "base/text.h"
 #include "call/options.h"
 #include "call/paths.h"
 #include "inventory/flash_ports.h"
 #include "inventory/management_tool.h"
 #include "inventory/port_list.h"
 #include "inventory/port_ordering.h"
+#include "inventory/tool_places.h"
 
 namespace {
 
@@ -81,9 +84,18 @@ survey judge(std::vector<finding> findings) {
 
 }  // namespace
 
+// A command counts as too long with its first word, whichever place the management tool has.
+void settle_length_of_commands() {
+    const auto* longest = std::max_element(
+        tool_places.begin(), tool_places.end(),
+        [](auto* a, auto* b) { return std::string_view(a).size() < std::string_view(b).size(); });
+    set_text(pHBAFlashCmdPath, *longest);
+}
+
 std::optional<survey> audit_server() {
-    // Nothing here composes a command; should something ever do, it is not run.
+    // Nothing here runs a command; should something ever ask for one, it is not run.
     active_option_simulate = 1;
+    settle_length_of_commands();
     std::vector<finding> findings;
     if (!read_table() || !collect_outputs(findings)) {
         return std::nullopt;

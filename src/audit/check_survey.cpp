@@ -109,7 +109,7 @@ void note_names(const controller& selected, const hba_info& port, fc_config_file
     if (!state.named.emplace(&selected, &row).second) {
         return;
     }
-    const bool is_flashed = fits_row(port, row, true);
+    const bool is_flashed = port.attributes != nullptr && fits_row(port, row, true);
     result.findings.push_back(found_at_row(
         finding_code::names_differ, row,
         fill_in("'%s', '%s' are no beginnings of '%s', '%s': it checks nothing there%s.",

@@ -176,6 +176,8 @@ void judge_port_list(const output_facts& facts, std::vector<finding>& findings) 
         found.what = "it is empty: the management tool listed nothing.";
     } else if (!facts.ends_in_newline) {
         found.what = "it is cut: its last line has no end.";
+    } else if (ports.empty()) {
+        found.what = "it lists no port: a run ends with status 13 here.";
     } else if (std::any_of(ports.begin(), ports.end(),
                            [](const hba_info* port) { return lacks_values(*port); })) {
         found.what = "the block of a port lacks a value that cnatool goes by.";

@@ -169,21 +169,28 @@ void find_repeated_rows(std::span<row_entry*> rows, std::vector<finding>& findin
         if (!is_new) {
             findings.push_back(found_at_row(
                 finding_code::row_unreachable, *row,
-                fill_in("line %s has the same names and identifiers: this row checks and flashes "
-                        "nothing.",
+                fill_in("line %s has the same names and identifiers: where that one has judged or "
+                        "flashed, this row does nothing.",
                         {std::to_string(place->second->line)})));
         }
     }
 }
 
-// A number sign behind a bar has made a comment of what was meant as a row.
-bool is_lost_row(string_view line) {
-    const std::size_t sign = line.find('#');
-    return sign != string_view::npos && line.substr(0, sign).find('|') != string_view::npos &&
-           !line.starts_with('#');
+// What has made a comment of a line that was meant as a row; empty: nothing has.
+string_view hidden_by(string_view line) {
+    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    if (line.starts_with('#') || line.find('|') == string_view::npos) {
+        return {};
+    }
+    if (line.find('#') != string_view::npos) {
+        return "number sign";
+    }
+    const bool is_rule = line.find_first_not_of("-+| \t\r\n") == string_view::npos;
+    return line.find("--+--") != string_view::npos && !is_rule ? "'--+--'" : "";
 }
 
-void note_line(std::vector<finding>& findings, int number, const char* what, const char* advice) {
+void note_line(std::vector<finding>& findings, int number, const std::string& what,
+               const char* advice) {
     row_entry line{};
     line.line = number;
     note_odd(findings, line, what, advice);
@@ -211,9 +218,10 @@ void judge_table(std::vector<finding>& findings) {
         if (row != rows.end() && (*row)->line == number) {
             judge_row(**row, line, findings);
             ++row;
-        } else if (is_lost_row(line)) {
-            note_line(findings, number, "the number sign in it makes a comment of the whole line.",
-                      "Begin the line with the number sign, or do without it.");
+        } else if (const string_view what = hidden_by(line); !what.empty()) {
+            note_line(findings, number,
+                      fill_in("the %s in it makes a comment of the whole line.", {what}),
+                      "Begin the line with a number sign, or do without what makes the comment.");
         }
     }
 }

@@ -15,22 +15,6 @@ struct directory_closer {
     void operator()(DIR* directory) const { closedir(directory); }
 };
 
-// What can become of a name, in the order of the tests; the pattern is the prefix side, so that
-// a longer extension or name fits too:
-//   - it begins with a dot: no fit
-//   - the pattern begins with "*.": its last dot and what follows must begin with the extension
-//   - any other pattern: the name must begin with it
-bool fits_pattern(string_view name, string_view pattern) {
-    if (name.starts_with('.')) {
-        return false;
-    }
-    if (pattern.starts_with("*.")) {
-        const std::size_t dot = name.rfind('.');
-        return dot != string_view::npos && name.substr(dot).starts_with(pattern.substr(1));
-    }
-    return name.starts_with(pattern);
-}
-
 // Hands every entry that fits to `take`, with its whole path, until that gives false.
 template <typename Take>
 void each_image(const char* directory, const char* pattern, const Take& take) {
@@ -46,6 +30,22 @@ void each_image(const char* directory, const char* pattern, const Take& take) {
 }
 
 }  // namespace
+
+// What can become of a name, in the order of the tests; the pattern is the prefix side, so that
+// a longer extension or name fits too:
+//   - it begins with a dot: no fit
+//   - the pattern begins with "*.": its last dot and what follows must begin with the extension
+//   - any other pattern: the name must begin with it
+bool fits_pattern(string_view name, string_view pattern) {
+    if (name.starts_with('.')) {
+        return false;
+    }
+    if (pattern.starts_with("*.")) {
+        const std::size_t dot = name.rfind('.');
+        return dot != string_view::npos && name.substr(dot).starts_with(pattern.substr(1));
+    }
+    return name.starts_with(pattern);
+}
 
 exit_status FindFlashImage(const char* directory, char (&result)[image_path_width],
                            const char* pattern) {

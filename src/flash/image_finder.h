@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/exit_status.h"
@@ -13,6 +14,9 @@ inline constexpr std::size_t image_path_width = 1024;
 /// directory and name into `result` and gives 0; else gives 20 and leaves `result` alone.
 exit_status FindFlashImage(const char* directory, char (&result)[image_path_width],
                            const char* pattern);
+
+/// Whether an entry of this name fits the pattern, which is not empty.
+bool fits_pattern(std::string_view name, std::string_view pattern);
 
 /// The names of all entries that FindFlashImage could take, in the order of the directory.
 std::vector<std::string> fitting_images(const char* directory, const char* pattern);
