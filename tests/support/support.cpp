@@ -17,8 +17,8 @@ const char variables[] =
     "export C1=F1A0:4201:F1A0:0011 C2=F1A0:4201:F2B0:0012 C3=F1A0:8402:F1A0:0021 "
     "C4=F1A0:8402:F2B0:0022 T=opt/emulex/ocmanager/bin REAL_TOOL='" REAL_TOOL
     "'\n"
-    "P=10:00:02:00:5e:10:01:02 F=NV4200A1001_2_ NOBODY=\n"
-    "[ $(id -u) -ne 0 ] || NOBODY='setpriv --reuid 65534 --clear-groups'\n"
+    "P=10:00:02:00:5e:10:01:02 F=NV4200A1001_2_ POWERLESS=\n"
+    "[ $(id -u) -ne 0 ] || POWERLESS='setpriv --bounding-set=-all --inh-caps=-all'\n"
     "fault() { printf '%s\\n' \"$*\" > $T/answers/faults.txt; }\n"
     "start() { env --default-signal=INT,QUIT setsid ./cnatool \"$@\" & tool=$!; }\n"
     "after() { until grep -qs \"$1\" $T/calls.log; do sleep 0.02; done; }\n"

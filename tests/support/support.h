@@ -61,10 +61,10 @@ struct server : scratch {
     server();
     /// Runs a shell command line in the server's directory, "./cnatool ..." for one. It has C1 to
     /// C4, the identifiers of the controllers, T, the folder of the stand-in, P, the
-    /// identifier of a port of C1, F, how its output files begin, NOBODY, which runs what follows
-    /// as a user without rights, "fault", which puts its words into the stand-in's list of faults,
-    /// "storage", which gives the vendor of the storage behind each of the two ports of C1, and
-    /// "small_server".
+    /// identifier of a port of C1, F, how its output files begin, POWERLESS, which runs what
+    /// follows as a user without rights, "fault", which puts its words into the stand-in's list of
+    /// faults, "storage", which gives the vendor of the storage behind each of the two ports of C1,
+    /// and "small_server".
     [[nodiscard]] run_result run(const std::string& command) const;
     /// The calls that reached the stand-in since the last time, one a line.
     [[nodiscard]] std::string calls() const;
