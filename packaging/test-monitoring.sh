@@ -61,7 +61,9 @@ while IFS='>' read -r arguments state lines; do
     found="$?>$(printf '%s\n' "$said" | sed 1d | xargs)"
     [ "$found" = "$state>$lines" ] || fail "$arguments: $found"
 done << 'EOF'
--pci-id 1:2 -- --x y>0>run /-pci-id 1:2 --x y/ audit /-pci-id 1:2/
+-pci-id 1:2 -- --vox-mode -v 2>0>run /-pci-id 1:2 --vox-mode -v 2/ audit /-pci-id 1:2/
+-pci-id 1:2 -- --conpath x>3>
+-pci-id 1:2 -- -v 0>3>
 -pci-id 1:2>0>run /-pci-id 1:2/ audit /-pci-id 1:2/
 >0>run /-pci-id 3:4 -v 2/ audit /-pci-id 3:4/
 -- --x>3>

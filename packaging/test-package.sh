@@ -230,6 +230,7 @@ $(sed -n 's/^ExecStart\(Pre\)*=//p' "$unit.service")"
 3|set CNATOOL_SELECTION in /etc/default/cnatool|
 0|Perform subsystem check for:|-pci-id F1A0:4201:F1A0:0011
 12||-pci-id F1A0:2101
+3|Not in CNATOOL_OPTIONS|-pci-id F1A0:2101' CNATOOL_OPTIONS='--flash
 EOF
     sed -i "s#=/opt#=$root/opt#" "$unit.service"
     quietly systemd-analyze verify --man=no "$unit.service" "$unit.timer"

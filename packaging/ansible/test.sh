@@ -21,7 +21,7 @@ play() {
     shift 3
     for pair in $flashed; do rm -f "servers/${pair%=*}/$bin/calls.log"; done
     # shellcheck disable=SC2086  # the playbook and its arguments
-    env -i PATH="$PATH" HOME="$scratch" PWD="$scratch" LC_ALL=C.UTF-8 ANSIBLE_NOCOLOR=1 \
+    env -i PATH="$PATH" HOME="$scratch" PWD="$scratch" TMPDIR="$scratch" LC_ALL=C.UTF-8 ANSIBLE_NOCOLOR=1 \
         ANSIBLE_REMOTE_TEMP="$scratch/tmp" ANSIBLE_ASYNC_DIR="$scratch/async" ANSIBLE_PIPELINING=1 \
         ansible-playbook -i inventory.yml "$here"/$playbook < /dev/null > "$log" 2>&1 || status=$?
     found=$(sed -n 's/^fatal: \[\([a-z]*\).*/\1/p' "$log" | sort -u | xargs)

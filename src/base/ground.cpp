@@ -2,11 +2,13 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <new>
 
 namespace {
@@ -36,6 +38,16 @@ void outlive_failing_output() {
     }
 }
 
+// For the first process of a container the kernel drops a signal that nobody handles.
+void die_as_first_process() {
+    for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
+        if (getpid() == 1 &&
+            std::signal(signal, [](int number) { std::_Exit(128 + number); }) == SIG_IGN) {
+            std::signal(signal, SIG_IGN);
+        }
+    }
+}
+
 // Without it the exception has no room either, and the process would be aborted.
 void give_memory_for_exception() {
     std::free(held_memory);
@@ -52,6 +64,7 @@ void prepare_process() {
     // A caller that ignores the end of its children would hide from us how a command ended.
     std::signal(SIGCHLD, SIG_DFL);
     outlive_failing_output();
+    die_as_first_process();
     umask(umask(0) | S_IWGRP | S_IWOTH);
 }
 
