@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "base/list.h"
+#include "base/output.h"
 #include "conditions/conditions_file.h"
 #include "support/support.h"
 
@@ -33,6 +34,15 @@ TEST(Conditions, LinesBecomeRowsOrEndTheRun) {
             [&] { status = status_of([&] { return read_conditions(text_file(c["table"])); }); });
         return status == RET_OK ? rows_text() : std::to_string(status);
     });
+    for (const char* name : {"Vendor-Id", "Device-Id", "Sub-Vendor-Id", "Sub-System-Id"}) {
+        static string row = "V | M | ";
+        DebugLevel = 1;
+        testing::internal::CaptureStderr();
+        status_of([] { return read_conditions(text_file(row + "zz")); });
+        EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                  string("\nError line 1: ") + name + " zz is not a valid hex value!\n");
+        row += "1 | ";
+    }
     EXPECT_EQ(Read_FC_Config_File("no/such/table"), RET_FC_HBA_CONDITIONS_MISSING);
     EXPECT_EQ(Read_FC_Config_File("."), RET_OK);
 }

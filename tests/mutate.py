@@ -16,18 +16,18 @@ import subprocess
 import sys
 import tempfile
 import threading
+from concurrent.futures import ThreadPoolExecutor
 
 HERE = pathlib.Path(__file__).resolve().parent.parent
 WHOLE_RUNS = '^(Run|Misbehav)'  # they come last: what a cheaper test notices is settled before
-TEST_SECONDS = 150              # a test that takes longer has noticed the fault
 # Where a fault can be: a group of these in code whose texts are blanked out.
 PLACES = {'comparison': r' (==|!=|<=|>=|<|>) ',
           'logic': r' (&&|\|\|) |\b(true|false)\b',
           'constant': r'(?<![\w.])(?<!Print\()(\d+)U?(?![\w.])',
           'level': r'\b(?:Print|print_\w+)\((\d)\b',
           'text': r'"([^"]+)"',
-          'statement': r'^\s+((?=\S)(?!return\b|using\b|case\b)[^{}]*[(=+-][^{}]*;|break;|continue;)$',
-          'row': r'^\s+(\{.*\},)$'}
+          'statement': r'^\s+((?=\S)(?!(?:return|using|case)\b)[^{}]*[(=+-][^{}]*;|break;|continue;)$',
+          'row': r'^\s+(\w*\{.*\},)$'}
 OTHERS = {'==': ['!='], '!=': ['=='], '<': ['<=', '>'], '<=': ['<'], '>': ['>=', '<'],
           '>=': ['>'], '&&': ['||'], '||': ['&&'], 'true': ['false'], 'false': ['true']}
 TEXT = re.compile(r'"(?:[^"\\]|\\.)*"|\'(?:[^\'\\]|\\.)*\'|//.*')
@@ -42,8 +42,8 @@ def blanked(line):
 
 def changed(kind, old, rng):
     """What stands in place of `old`; the same where nothing fits."""
-    if kind in ('statement', 'row'):
-        return ';' if kind == 'statement' else old
+    if kind == 'statement':
+        return ';'
     if kind == 'text':  # a letter that belongs to no escape or placeholder
         letters = [match.start() for match in re.finditer(r'(?<![\\%\d*])[A-Za-z>:=]', old)]
         at = rng.choice(letters or [len(old)])
@@ -51,7 +51,14 @@ def changed(kind, old, rng):
     if kind in ('constant', 'level'):
         low, high = (1, 6) if kind == 'level' else (0, sys.maxsize)
         return str(rng.choice([n for n in (int(old) - 1, int(old) + 1) if low <= n <= high]))
-    return rng.choice(OTHERS[old])
+    return rng.choice(OTHERS[old]) if old in OTHERS else old
+
+
+def exchanged(row, follower):
+    """Both rows in the other order, or the first alone where keys that differ leave that free."""
+    keys = [re.match(r'\s+\{[^"]*"([^"]*)"', line) for line in (row, follower)]
+    free = all(keys) and keys[0][1] not in keys[1][1] and keys[1][1] not in keys[0][1]
+    return [row] if free else [follower, row]
 
 
 def faults(rng):
@@ -66,7 +73,7 @@ def faults(rng):
                 start, end = match.span(match.lastindex)
                 new = [line[:start] + changed(kind, line[start:end], rng) + line[end:]]
                 if kind == 'row' and re.match(PLACES[kind], code[number + 1]):
-                    new = [lines[number + 1], line]  # they change places
+                    new = exchanged(line, lines[number + 1])
                 old = lines[number:number + len(new)]
                 is_end = kind == 'statement' and not re.search(r'(^|[;{}:])$', code[number - 1])
                 if new != old and not is_end:
@@ -75,14 +82,11 @@ def faults(rng):
     return iter(drawn)
 
 
-def limit():
-    """No fault may fill the machine."""
-    for what, most in (('AS', 4 << 30), ('FSIZE', 256 << 20), ('CPU', 40), ('CORE', 0)):
-        resource.setrlimit(getattr(resource, 'RLIMIT_' + what), (most, most))
-
-
 def succeeds(top, *command):
     """Whether a command succeeds, with its temporary files below `top`."""
+    def limit():  # no fault may fill the machine
+        for what, most in (('AS', 4 << 30), ('FSIZE', 256 << 20), ('CPU', 40), ('CORE', 0)):
+            resource.setrlimit(getattr(resource, 'RLIMIT_' + what), (most, most))
     environment = dict(os.environ, TMPDIR=str(top), GTEST_BREAK_ON_FAILURE='1')
     return subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, check=False,
                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
@@ -93,10 +97,9 @@ def verdict(top):
     """What becomes of the copy below `top` as it stands."""
     if not succeeds(top, 'cmake', '--build', top / 'build'):
         return 'not compiled'
-    ctest = ['ctest', '--test-dir', top / 'build', '--stop-on-failure', '--timeout',
-             str(TEST_SECONDS), '-E', 'packaging']
-    passed = (succeeds(top, *ctest[:-1], 'packaging|' + WHOLE_RUNS) and
-              succeeds(top, *ctest, '-R', WHOLE_RUNS))
+    ctest = ['ctest', '--test-dir', top / 'build', '--stop-on-failure', '--timeout', '150', '-E']
+    passed = (succeeds(top, *ctest, 'packaging|' + WHOLE_RUNS) and
+              succeeds(top, *ctest, 'packaging', '-R', WHOLE_RUNS))
     return 'missed' if passed else 'caught'
 
 
@@ -133,14 +136,9 @@ def main():
     options = parser.parse_args()
     results, lock = collections.Counter(), threading.Lock()
     drawn = faults(random.Random(options.seed))
-    with tempfile.TemporaryDirectory() as top:
-        workers = [threading.Thread(target=work, args=(top, drawn, options.count, results, lock),
-                                    daemon=True)
-                   for _ in range(options.workers)]
-        for worker in workers:
-            worker.start()
-        for worker in workers:
-            worker.join()
+    with tempfile.TemporaryDirectory() as top, ThreadPoolExecutor(options.workers) as pool:
+        list(pool.map(lambda _: work(top, drawn, options.count, results, lock),
+                      range(options.workers)))
     print(f'seed {options.seed}:', ', '.join(f'{n} {result}' for result, n in results.items()))
     return 1 if results['missed'] or not results['caught'] else 0
 
