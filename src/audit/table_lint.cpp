@@ -46,9 +46,9 @@ constexpr line_oddity line_oddities[] = {
 
 // --- a row as it was read -----------------------------------------------------------------
 
+// A row that goes on behind its names has a vendor id, or it is not read at all.
 bool is_empty(const row_entry& row) {
-    return is_blank(row.vendor) && is_blank(row.model) && row.vendor_id_text[0] == '\0' &&
-           row.firmware_file[0] == '\0' && row.periphery_list == nullptr;
+    return is_blank(row.vendor) && is_blank(row.model) && row.vendor_id_text[0] == '\0';
 }
 
 // Without subsystem identifiers, 0 in both, a row serves a selection by two.
