@@ -71,6 +71,13 @@ done << 'EOF'
 -pci-id 1:2 /-flash>3>
 EOF
 
+for settings in 'CNATOOL_SELECTION="-pci-id 1:2' 'CNATOOL_SELECTION=-pci-id 1:2'; do
+    echo "$settings" > etc/cnatool
+    found=$(RUN=0 AUDIT=0 ./check_cnatool 2>&1; echo $?)
+    [ "$found" = "CNATOOL UNKNOWN - a shell cannot read ./etc/cnatool
+3" ] || fail "$settings: $found"
+done
+
 mkdir nx
 sed "s#/opt/cnatool#$scratch#g" "$here/monitoring/logrotate" > logrotate.conf
 for size in 1000 2000000; do
