@@ -112,7 +112,7 @@ TEST(Audit, FindsWhatItsTableSays) {
         EXPECT_EQ(result.err, c["says"]) << call;
         if (c.contains("status")) {
             EXPECT_EQ(std::to_string(result.status), c["status"]) << call << c["setup"];
-            EXPECT_EQ(result.out, c["prints"]);
+            EXPECT_TRUE(!c.contains("prints") || result.out == c["prints"]) << result.out;
             continue;
         }
         const json report = json::parse(result.out, nullptr, false);

@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "call/command_line.h"
 #include "call/help.h"
+#include "inventory/management_tool.h"
 
 bool active_option_json = false;
 
@@ -75,12 +76,9 @@ audit_status refuse(const char* element) {
 }
 
 audit_status show(word_kind kind) {
-    if (kind == word_kind::help) {
-        std::printf(help_text, program_name);
-    } else {
-        std::printf("%s\n", tool_version().c_str());
-    }
-    return AUDIT_NO_FINDING;
+    const bool written = kind == word_kind::help ? write_out(fill_in(help_text, {program_name}))
+                                                 : write_out(tool_version() + "\n");
+    return written ? AUDIT_NO_FINDING : AUDIT_GAVE_UP;
 }
 
 // Takes the audit's own words out of `argv`; what is left is the tool's.

@@ -1,7 +1,6 @@
 #include "audit/audit_run.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <new>
 #include <string>
 #include <string_view>
@@ -60,12 +59,7 @@ const hba_info* port_without_flash_port() {
 audit_status report(const survey& result) {
     const audit_status status = result.findings.empty() ? AUDIT_NO_FINDING : AUDIT_FINDINGS;
     const std::string text = active_option_json ? json_report(result, status) : text_report(result);
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
-        std::fflush(stdout) != 0) {
-        give_up("the report cannot be written");
-        return AUDIT_GAVE_UP;
-    }
-    return status;
+    return write_out(text) ? status : AUDIT_GAVE_UP;
 }
 
 survey judge(std::vector<finding> findings) {

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <set>
 #include <string>
 #include <string_view>
@@ -18,6 +19,8 @@
 #include "inventory/target_mapping.h"
 
 namespace {
+
+using std::string_view;
 
 /// What can be told of an open output without reading it line by line.
 struct output_facts {
@@ -50,23 +53,23 @@ bool is_before(const timespec& a, const timespec& b) {
     return std::tie(a.tv_sec, a.tv_nsec) < std::tie(b.tv_sec, b.tv_nsec);
 }
 
-bool is_empty(const char* field) { return *field == '\0'; }
+bool one_is_empty(std::initializer_list<string_view> fields) {
+    return std::ranges::any_of(fields, &string_view::empty);
+}
 
 bool lacks_ids(const hba_attributes_entry& ids) {
     return std::min({ids.vendor_id, ids.device_id, ids.subvendor_id, ids.subdevice_id}) < 0 ||
-           is_empty(ids.VendorSpecID) || is_empty(ids.DeviceID) || is_empty(ids.SubVendorID) ||
-           is_empty(ids.SubDeviceID);
+           one_is_empty({ids.VendorSpecID, ids.DeviceID, ids.SubVendorID, ids.SubDeviceID});
 }
 
 bool lacks_names(const target_mapping_entry& target) {
-    return is_empty(target.VendorID) || is_empty(target.ProductID);
+    return one_is_empty({target.VendorID, target.ProductID});
 }
 
 bool lacks_values(const hba_info& port) {
-    return is_empty(port.SerialNo) ||
+    return one_is_empty({port.SerialNo}) ||
            (has_serial_number(port) &&
-            (is_empty(port.Mfg) || is_empty(port.PortNumber) || is_empty(port.PCIFunction) ||
-             is_empty(port.PortType) || is_empty(port.Model)));
+            one_is_empty({port.Mfg, port.PortNumber, port.PCIFunction, port.PortType, port.Model}));
 }
 
 // How an output about a port is read, and what it must hold.

@@ -5,8 +5,11 @@
 /// Lets the library's messages about errors, and them alone, go to standard error.
 void speak_of_errors();
 
-/// Lets the library say nothing.
+/// Lets the library say nothing again.
 void be_silent();
+
+/// Writes `text` to standard output. False where not all of it got there, which is said then.
+bool write_out(const std::string& text);
 
 /// Notes which file is being read, for the case that its contents end the process.
 void now_reading(const std::string& path);

@@ -1,10 +1,10 @@
 #include "audit/survey.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <map>
 #include <string_view>
+#include <tuple>
 
 #include "base/list.h"
 #include "check/controller_check.h"
@@ -45,12 +45,13 @@ void mark_chains(survey& result) {
 
 // The rows that fit identifiers; the ports of a server have few different ones.
 using row_list = std::vector<fc_config_file_entry*>;
-using rows_by_ids = std::map<std::array<std::int32_t, 4>, row_list>;
+using ids = std::tuple<std::int32_t, std::int32_t, std::int32_t, std::int32_t>;
+using rows_by_ids = std::map<ids, row_list>;
 
 const row_list& rows_by_two_ids(const hba_info& port, rows_by_ids& known) {
-    const hba_attributes_entry& ids = *port.attributes;
+    const hba_attributes_entry& of = *port.attributes;
     const auto [place, is_new] =
-        known.try_emplace({ids.vendor_id, ids.device_id, ids.subvendor_id, ids.subdevice_id});
+        known.try_emplace({of.vendor_id, of.device_id, of.subvendor_id, of.subdevice_id});
     if (is_new) {
         const auto rows = entries(fc_config_entry_list);
         std::copy_if(rows.begin(), rows.end(), std::back_inserter(place->second),
@@ -81,8 +82,7 @@ void find_rows(survey& result) {
                 note_fitting_row(each, *member.port, *row);
             }
         }
-        std::sort(each.rows.begin(), each.rows.end(),
-                  [](const auto& a, const auto& b) { return a.row->line < b.row->line; });
+        std::ranges::sort(each.rows, {}, [](const fitting_row& fit) { return fit.row->line; });
     }
 }
 
