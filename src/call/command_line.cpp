@@ -128,7 +128,6 @@ outcome second_pass(int argc, char** argv, unsigned& marks) {
                 return refused;
             }
             marks |= option.mark;
-            ++i;
             break;
         }
     }

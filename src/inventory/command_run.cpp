@@ -68,7 +68,7 @@ int spawn_and_wait(const char* line, command_kind kind) {
         return error == EAGAIN || error == ENOMEM ? no_process : no_shell;
     }
     int status = 0;
-    while (waitpid(child, &status, 0) < 0) {
+    while (waitpid(child, &status, 0) == -1) {
         if (errno != EINTR) {
             return no_process;
         }
