@@ -27,7 +27,6 @@
 namespace {
 
 bool read_table() {
-    speak_of_errors();
     now_reading(pHBAConditionsPath);
     const exit_status status = Read_FC_Config_File(pHBAConditionsPath);
     if (status != RET_OK) {

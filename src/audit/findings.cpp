@@ -53,15 +53,13 @@ finding found(finding_code code, std::string what) {
     finding result{};
     result.code = code;
     result.what = std::move(what);
-    result.advice = advice_for(code);
+    result.advice = row_of(code).advice;
     return result;
 }
 
 }  // namespace
 
 const char* name_of(finding_code code) { return row_of(code).name; }
-
-const char* advice_for(finding_code code) { return row_of(code).advice; }
 
 std::string port_name(const hba_info& port) {
     return std::string(port.PCIFunction) + "/" + port.PortNumber;
@@ -80,6 +78,18 @@ std::string place_of(const finding& found) {
     return found.port.empty() ? found.serial : found.serial + " " + found.port;
 }
 
+finding found_at_group(finding_code code, std::string group, std::string what) {
+    finding result = found(code, std::move(what));
+    result.group = std::move(group);
+    return result;
+}
+
+finding found_in_file(finding_code code, std::string path, std::string what) {
+    finding result = found(code, std::move(what));
+    result.file = std::move(path);
+    return result;
+}
+
 finding found_at_port(finding_code code, const hba_info& port, std::string what) {
     finding result = found_at_controller(code, port, std::move(what));
     result.port = port_name(port);
@@ -93,8 +103,7 @@ finding found_at_controller(finding_code code, const hba_info& port, std::string
 }
 
 finding found_at_row(finding_code code, const fc_config_file_entry& row, std::string what) {
-    finding result = found(code, std::move(what));
-    result.file = pHBAConditionsPath;
+    finding result = found_in_file(code, pHBAConditionsPath, std::move(what));
     result.line = row.line;
     return result;
 }

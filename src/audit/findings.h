@@ -40,9 +40,6 @@ struct finding {
 /// The name by which a code is known.
 const char* name_of(finding_code code);
 
-/// What is usually done about a finding of this code.
-const char* advice_for(finding_code code);
-
 /// "function/number", by which a controller's ports are told apart.
 std::string port_name(const hba_info& port);
 
@@ -52,6 +49,9 @@ std::string file_name_of(const std::string& path);
 /// The place in short: group, file and line, or serial number and port.
 std::string place_of(const finding& found);
 
+// A finding with this place, and the advice that is usual for its code.
+finding found_at_group(finding_code code, std::string group, std::string what);
+finding found_in_file(finding_code code, std::string path, std::string what);
 finding found_at_port(finding_code code, const hba_info& port, std::string what);
 finding found_at_controller(finding_code code, const hba_info& port, std::string what);
 finding found_at_row(finding_code code, const fc_config_file_entry& row, std::string what);

@@ -169,24 +169,27 @@ exit_status read_output(const port_output& kind, hba_info& port, reading& state)
     return status;
 }
 
-void judge_port_list(const output_facts& facts, std::vector<finding>& findings) {
-    finding found{};
-    found.code = finding_code::output_incomplete;
-    found.advice = advice_for(found.code);
-    found.file = port_list_path();
+// The same for the port list, whose ports have been read.
+std::string fault_of_list(const output_facts& facts) {
     const auto ports = entries(p_hba_info_list);
     if (facts.empty) {
-        found.what = "it is empty: the management tool listed nothing.";
-    } else if (!facts.ends_in_newline) {
-        found.what = "it is cut: its last line has no end.";
-    } else if (ports.empty()) {
-        found.what = "it lists no port: a run ends with status 13 here.";
-    } else if (std::any_of(ports.begin(), ports.end(),
-                           [](const hba_info* port) { return lacks_values(*port); })) {
-        found.what = "the block of a port lacks a value that cnatool goes by.";
+        return "it is empty: the management tool listed nothing.";
     }
-    if (!found.what.empty()) {
-        findings.push_back(found);
+    if (!facts.ends_in_newline) {
+        return "it is cut: its last line has no end.";
+    }
+    if (ports.empty()) {
+        return "it lists no port: a run ends with status 13 here.";
+    }
+    return std::ranges::any_of(ports, [](const hba_info* port) { return lacks_values(*port); })
+               ? "the block of a port lacks a value that cnatool goes by."
+               : "";
+}
+
+void judge_port_list(const output_facts& facts, std::vector<finding>& findings) {
+    const std::string fault = fault_of_list(facts);
+    if (!fault.empty()) {
+        findings.push_back(found_in_file(finding_code::output_incomplete, port_list_path(), fault));
     }
 }
 
@@ -203,7 +206,6 @@ exit_status read_outputs_of(hba_info& port, reading& state) {
 
 exit_status read_outputs(std::vector<finding>& findings) {
     now_reading(port_list_path());
-    speak_of_errors();
     const input_file file = open_for_reading(port_list_path());
     if (file.stream == nullptr) {
         return STATUS_OUTPUT_FILE_MISSING;

@@ -100,12 +100,8 @@ bool mark_selected(const option_input& group, survey& result) {
 }
 
 void note_not_installed(const option_input& group, survey& result) {
-    finding found{};
-    found.code = finding_code::not_installed;
-    found.what = "no port that a run looks at has these identifiers.";
-    found.advice = advice_for(found.code);
-    found.group = group_name(group);
-    result.findings.push_back(found);
+    result.findings.push_back(found_at_group(finding_code::not_installed, group_name(group),
+                                             "no port that a run looks at has these identifiers."));
 }
 
 }  // namespace
