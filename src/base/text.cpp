@@ -87,7 +87,7 @@ std::optional<std::string_view> next_part(std::string_view& rest, char separator
     rest.remove_prefix(start);
     const std::size_t length = std::min(rest.find(separator), rest.size());
     const std::string_view part = rest.substr(0, length);
-    rest.remove_prefix(std::min(length + 1, rest.size()));
+    rest.remove_prefix(length);
     return part;
 }
 
