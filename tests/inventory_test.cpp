@@ -204,6 +204,7 @@ TEST(ManagementTool, UnsafeValuesAreTheOnesThatAShellActsOn) {
     const std::pair<const char*, string> places[] = {{"x %s > f\n", "|&;<>()$`\\\"'{\n*?["},
                                                      {"x %s > f\n", "~#"},
                                                      {"x > d/%s\n", "|{\n"},
+                                                     {"%s\n", "~#"},
                                                      {"x > %s\n", "~#"}};
     for (const auto& [format, characters] : places) {
         for (const char c : characters) {

@@ -112,7 +112,6 @@ std::optional<audit_status> read_audit_call(int argc, char** argv) {
     std::vector<char*> rest{argc > 0 ? argv[0] : nullptr};
     const string_view called_as = argc > 0 ? argv[0] : "";
     set_text(program_name, called_as.substr(called_as.rfind('/') + 1));
-    active_option_json = false;
     if (const auto ended = take_own_words(argc, argv, rest)) {
         return ended;
     }

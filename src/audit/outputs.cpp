@@ -24,22 +24,19 @@ using std::string_view;
 
 /// What can be told of an open output without reading it line by line.
 struct output_facts {
-    timespec written{};
-    bool empty = true;
-    bool ends_in_newline = false;
+    timespec written;
+    bool empty;
+    bool ends_in_newline;
     std::string start;  // its first characters, among which a head line stands
 };
 
 output_facts facts_of(const input_file& file) {
     constexpr std::size_t start_width = 4096;
-    output_facts facts;
     const int descriptor = fileno(file.stream.get());
     struct stat status {};
-    if (fstat(descriptor, &status) != 0) {
-        return facts;
-    }
+    output_facts facts{};
+    facts.empty = fstat(descriptor, &status) != 0 || status.st_size == 0 || S_ISDIR(status.st_mode);
     facts.written = status.st_mtim;
-    facts.empty = status.st_size == 0 || S_ISDIR(status.st_mode);
     char last = '\0';
     facts.ends_in_newline =
         !facts.empty && pread(descriptor, &last, 1, status.st_size - 1) == 1 && last == '\n';

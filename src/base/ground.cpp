@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <initializer_list>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -50,8 +51,7 @@ void die_as_first_process() {
 
 // Without it the exception has no room either, and the process would be aborted.
 void give_memory_for_exception() {
-    std::free(held_memory);
-    held_memory = nullptr;
+    std::free(std::exchange(held_memory, nullptr));
     throw std::bad_alloc();
 }
 
@@ -60,7 +60,7 @@ void give_memory_for_exception() {
 void prepare_process() {
     fill_standard_descriptors();
     // A caller that captures the output sees how far a long flash has come.
-    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     // A caller that ignores the end of its children would hide from us how a command ended.
     std::signal(SIGCHLD, SIG_DFL);
     outlive_failing_output();

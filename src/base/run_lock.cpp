@@ -16,7 +16,7 @@ void lock_for_run(int descriptor, const char* path, int operation) {
         return;
     }
     Print(1, "Waiting for another run on %s.\n", path);
-    while (flock(descriptor, operation) != 0 && errno == EINTR) {
+    while (flock(descriptor, operation) == -1 && errno == EINTR) {
     }
 }
 

@@ -102,7 +102,7 @@ void list_port(const hba_info& port) {
     Print(4, "  %s\t%s\t%s\t%s  port %d  function %s\n", port.Mfg, port.Model, port.PortType,
           port.SerialNo, port.port_index, port.PCIFunction);
     const target_mapping_entry* target = port.target_mapping;
-    if (target != nullptr && target->VendorID[0] != '\0') {
+    if (target != nullptr && *target->VendorID != '\0') {
         Print(4, "\n\t%s\n\t%s\n\t%s\n", target->VendorID, target->ProductID,
               target->ProductVersion);
     }
