@@ -136,7 +136,7 @@ std::string golden(std::string_view name, int level) {
             shown_from = line[0] - '0';
             line.erase(0, 2);
         }
-        text += shown_from <= level ? line + "\n" : "";
+        text += shown_from <= level ? unescaped(line) + "\n" : "";
     }
     return text;
 }

@@ -25,7 +25,7 @@ void write_file(const std::filesystem::path& path, std::string_view text);
 std::string replaced(std::string text, std::string_view what, std::string_view with);
 
 /// A text of the folder of expected texts, with the lines that show at this level. "3|" before a
-/// line says from which level on it and the blank lines behind it show.
+/// line says from which level on it and those behind it show, \n stands for a blank line.
 std::string golden(std::string_view name, int level = 6);
 
 /// A case of a table by its keys; a missing key is empty. In values \n, \t, \r, \0 and \\ are
