@@ -128,6 +128,7 @@ outcome second_pass(int argc, char** argv, unsigned& marks) {
                 return refused;
             }
             marks |= option.mark;
+            ++i;
             break;
         }
     }
