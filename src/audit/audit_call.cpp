@@ -6,7 +6,6 @@
 
 #include "audit/progress.h"
 #include "base/output.h"
-#include "base/text.h"
 #include "call/command_line.h"
 #include "call/help.h"
 #include "inventory/management_tool.h"
@@ -110,8 +109,7 @@ std::optional<audit_status> take_own_words(int argc, char** argv, std::vector<ch
 
 std::optional<audit_status> read_audit_call(int argc, char** argv) {
     std::vector<char*> rest{argc > 0 ? argv[0] : nullptr};
-    const string_view called_as = argc > 0 ? argv[0] : "";
-    set_text(program_name, called_as.substr(called_as.rfind('/') + 1));
+    set_program_name(argc > 0 ? argv[0] : "");
     if (const auto ended = take_own_words(argc, argv, rest)) {
         return ended;
     }

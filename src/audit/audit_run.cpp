@@ -75,8 +75,6 @@ survey judge(std::vector<finding> findings) {
     return result;
 }
 
-}  // namespace
-
 // A command counts as too long with its first word, whichever place the management tool has.
 void settle_length_of_commands() {
     const auto* longest = std::max_element(
@@ -84,6 +82,8 @@ void settle_length_of_commands() {
         [](auto* a, auto* b) { return std::string_view(a).size() < std::string_view(b).size(); });
     set_text(pHBAFlashCmdPath, *longest);
 }
+
+}  // namespace
 
 std::optional<survey> audit_server() {
     // Nothing here runs a command; should something ever ask for one, it is not run.

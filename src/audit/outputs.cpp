@@ -166,7 +166,7 @@ exit_status read_output(const port_output& kind, hba_info& port, reading& state)
     return status;
 }
 
-// The same for the port list, whose ports have been read.
+// The first fault of the port list, whose ports have been read; empty for a sound one.
 std::string fault_of_list(const output_facts& facts) {
     const auto ports = entries(p_hba_info_list);
     if (facts.empty) {

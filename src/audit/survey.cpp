@@ -49,9 +49,9 @@ using ids = std::tuple<std::int32_t, std::int32_t, std::int32_t, std::int32_t>;
 using rows_by_ids = std::map<ids, row_list>;
 
 const row_list& rows_by_two_ids(const hba_info& port, rows_by_ids& known) {
-    const hba_attributes_entry& of = *port.attributes;
+    const hba_attributes_entry& its = *port.attributes;
     const auto [place, is_new] =
-        known.try_emplace({of.vendor_id, of.device_id, of.subvendor_id, of.subdevice_id});
+        known.try_emplace({its.vendor_id, its.device_id, its.subvendor_id, its.subdevice_id});
     if (is_new) {
         const auto rows = entries(fc_config_entry_list);
         std::copy_if(rows.begin(), rows.end(), std::back_inserter(place->second),

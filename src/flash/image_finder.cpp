@@ -15,7 +15,8 @@ struct directory_closer {
     void operator()(DIR* directory) const { closedir(directory); }
 };
 
-// Hands every entry that fits to `take`, with its whole path, until that gives false.
+// Hands the name of every entry that fits, and whose path has room, to `take` until that gives
+// false.
 template <typename Take>
 void each_image(const char* directory, const char* pattern, const Take& take) {
     const std::unique_ptr<DIR, directory_closer> stream(*pattern == '\0' ? nullptr
