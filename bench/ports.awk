@@ -84,7 +84,7 @@ BEGIN {
     } else if (order == "one-serial") {
         for (p = ports - 1; p >= 0; --p) port(0, sprintf("0%02d", p % 100), "FCoE")
     } else {
-        # What does not make up a controller of four is one of FCoE ports.
+        # The ports that are left over are a controller of FCoE ports.
         for (f = ports % 4 - 1; f >= 0; --f) port(controllers, f, "FCoE")
         for (c = 0; c < controllers; ++c)
             for (f = 3; f >= 2; --f) port(c, f, "FCoE")

@@ -1,11 +1,11 @@
 #!/bin/sh
-# Prints what runs of the tool cost, as ratios to what stands beside them.
+# Prints what runs of the tool cost, as ratios to the commands beside them.
 #
 #   bench/run.sh [--strict] [BUILD_DIR]
 #
 # BUILD_DIR (build) holds a Release build of cnatool-sandbox. The tool writes to /dev/null at the
-# default level; cat writes to a pipe that is read to its end. All files lie in /dev/shm where
-# there is room and programs may run, else in TMPDIR, and are removed at the end.
+# default level; cat writes to a pipe that is read to its end. All files are in /dev/shm if there is
+# room and programs may run there, or else in TMPDIR, and are removed at the end.
 #
 # Exit status: 0; 1 if something failed or, with --strict, if a goal is missed.
 set -eu
@@ -75,7 +75,7 @@ bare() {
     run bare null "$work/bare_commands" "$work/commands"
 }
 
-# What a start costs before anything is read, beside that of a shell.
+# The cost of a start before anything is read, beside the start of a shell.
 start() {
     cd "$work/check"
     run start null ./cnatool --version
@@ -126,8 +126,8 @@ round=0
 while [ "$round" -lt "$rounds" ]; do
     round=$((round + 1))
     [ ! -t 2 ] || printf '\rround %d of %d ' "$round" "$rounds" >&2
-    # Turned about, so that neither is always the one behind the other. The ratio is close to 1
-    # and its goal is narrow: it needs more runs than the others.
+    # In turn, so that neither always comes second. The ratio is close to 1 and its goal is
+    # narrow: it needs more runs than the others.
     for _ in 1 2; do
         check
         bare

@@ -1,5 +1,5 @@
 # Prints the table from lines of: name, wall time and processor time in milliseconds, peak memory
-# in KiB. The runs of a name stand in the order in which they were made.
+# in KiB. The runs of a name are in the order in which they were made.
 #
 # A ratio is the median over the runs, each divided by the run beside it. Ends with 1 when a goal
 # is missed.
@@ -11,7 +11,7 @@
     memory[$1, run] = $4
 }
 
-# The value below which this part of values[1..count] lies; sorts them.
+# Sorts values[1..count], and gives the value below which this part of them is.
 function quantile(values, count, part,    i, j, value, place) {
     for (i = 2; i <= count; ++i) {
         value = values[i]

@@ -10,8 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "audit/audit_run.h"
-#include "audit/json_report.h"
-#include "audit/text_report.h"
+#include "audit/reports.h"
 #include "base/list.h"
 #include "call/options.h"
 #include "call/paths.h"
@@ -20,6 +19,7 @@
 #include "inventory/port_query.h"
 #include "inventory/target_mapping.h"
 #include "support/process.h"
+#include "tool/output_files.h"
 
 namespace {
 
@@ -45,7 +45,7 @@ void lay_out(std::string_view rest) {
 
 void require_sound_reports(const survey& result) {
     const std::string text = text_report(result);
-    const auto report = nlohmann::json::parse(json_report(result, AUDIT_FINDINGS));
+    const auto report = nlohmann::json::parse(json_report(result));
     for (std::size_t start = 0, end = 0; start < text.size(); start = end + 1) {
         end = text.find('\n', start);
         if (end - start > 100 || report["findings"].size() != result.findings.size()) {
@@ -62,12 +62,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::filesystem::create_directory(directory);
     reset_run();
     set_directory(directory.string());
-    settle_paths("");
+    resolve_paths("");
     try {
         lay_out({reinterpret_cast<const char*>(data), size});
         active_option_flash = 1;
         p_option_input = save_list_of_pci_ids("F1A0:4201:F1A0:0011,F1A0:4201,1:2");
-        if (const auto result = audit_server()) {
+        if (const auto result = audit_server({})) {
             require_sound_reports(*result);
         }
     } catch (const ended&) {

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr std::size_t max_ports = 64;  // the chains of more take the fuzzer's time, not its wits
+constexpr std::size_t max_ports = 64;  // chains of more ports only cost time
 
 void check_every_chain() {
     for (const hba_info* port : entries(p_hba_info_list)) {

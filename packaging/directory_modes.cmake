@@ -1,5 +1,5 @@
-# Run by CPack on what goes into the package: its directories have the modes of the system's own,
-# whatever the umask of whoever builds it.
+# CPack runs this on the files of the package: its directories get the modes that the directories of
+# the system have, whatever the umask of the builder is.
 file(GLOB_RECURSE entries LIST_DIRECTORIES true "${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*")
 foreach(entry ${entries})
   if(IS_DIRECTORY "${entry}")

@@ -1,30 +1,28 @@
 #!/bin/sh
 #
-# test-package.sh BUILD_DIR - builds all packages and installs them into scratch roots: what lies
-# where, how the programs are linked, whether they run where there is nothing but a shell, and
-# what an upgrade and a removal leave of the site's own files; the unit's own command line
+# test-package.sh BUILD_DIR PART - builds a package and looks at what is in it, or tries one that
+# another part has built; each function check_PART below says what it looks at
 # shellcheck disable=SC2046,SC2086  # names of files without blanks, one a word
 set -u
 
-# dpkg wants its helpers, which the PATH of an ordinary user need not have, and sets owners, which
-# root alone may do. For the rpm it takes a root of a name space at least.
-PATH=$PATH:/usr/sbin:/sbin
-export PATH
+# dpkg sets owners, which root alone may do. For the rpm it takes a root of a name space at least.
 if [ "$(id -u)" -ne 0 ]; then
     ! unshare --map-root-user chroot / true 2> /dev/null ||
         exec unshare --map-root-user -- "$0" "$@"
     exec fakeroot -- "$0" "$@"
 fi
 
-build=$(cd -- "${1:?usage: $0 BUILD_DIR}" && pwd) || exit 2
+build=$(cd -- "${1:?usage: $0 BUILD_DIR PART}" && pwd) || exit 2
+part=${2:?usage: $0 BUILD_DIR PART}
 top=$(cd -- "$(dirname -- "$0")/.." && pwd)
 scratch=$(mktemp -d) || exit 1
 trap 'rm -rf "$scratch"' EXIT
 export TMPDIR="$scratch"    # lintian leaves a directory behind.
 umask 077                   # No installed mode may come from it.
+packages=$build/packages
 directory=/opt/cnatool
-programs=cnatool
-[ ! -x "$build/cnatool-audit" ] || programs="cnatool cnatool-audit"
+programs="cnatool cnatool-audit"
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:[A-Z]*=//p' "$build/CMakeCache.txt")
 
 fail() {
     printf 'test-package.sh: %s\n' "$*" >&2
@@ -39,10 +37,10 @@ $(cat "$scratch/log")"
 
 # same WHAT FOUND EXPECTED
 same() {
-    [ "$2" = "$3" ] || fail "$1 is
-$2
-and not
-$3"
+    [ "$2" = "$3" ] && return
+    printf '%s\n' "$2" > "$scratch/found"
+    fail "$1: '>' is missing, '<' should not be there:
+$(printf '%s\n' "$3" | diff "$scratch/found" -)"
 }
 
 # ends_with STATUS TEXT COMMAND...: so ends the command, and TEXT is in its output
@@ -68,14 +66,14 @@ common_files() {
     files 644 /usr/lib/systemd/system cnatool-check.service cnatool-check.timer
     files 644 /usr/share/bash-completion/completions $(ls "$top/packaging/completion")
     files 644 /usr/share/doc/cnatool FC_HBA_Conditions.txt.example README.md SECURITY.md \
-        changelog.gz docs/architecture.md docs/performance.md
+        changelog.gz $(cd "$top" && echo docs/*.md docs/*.json)
     files 644 /usr/share/man/man8 $(cd "$top/docs" && printf '%s.gz ' *.8)
 }
 
 debian_files() {
     common_files
     files 644 /usr/share/doc/cnatool changelog.Debian.gz copyright
-    files 644 /usr/share/lintian/overrides cnatool
+    [ ! -e /etc/debian_version ] || files 644 /usr/share/lintian/overrides cnatool
 }
 
 found_files() {
@@ -89,7 +87,7 @@ runs_hardened() {
     in=$1
     shift
     for program in $programs; do
-        ends_with 0 "${version%-*}" "$in/$program" --version
+        ends_with 0 "$version" "$in/$program" --version
         headers=$(readelf -hldW "$in/$program")
         for mark in 'Type: *DYN' GNU_RELRO 'GNU_STACK .* RW ' 'FLAGS.* BIND_NOW' 'FLAGS_1.* PIE'; do
             printf '%s\n' "$headers" | grep -q -e "$mark" || fail "$program has no '$mark'"
@@ -99,26 +97,24 @@ runs_hardened() {
     done
 }
 
-# Not beside the builds: rpmbuild takes no path with a blank.
-build_packages() {
+# packed BUILD GENERATOR PATTERN: builds one kind of package and prints its path. CPack names what
+# it lacks before it builds anything. Not beside the builds, as rpmbuild takes no path with a blank.
+packed() {
+    mkdir -p "$packages" "$scratch/few"
+    ln -s "$(command -v make)" "$(command -v cmake)" "$(command -v sh)" "$scratch/few"
+    [ "$2" = TGZ ] || ends_with 1 'Not installed: file, ' env PATH="$scratch/few" "$(command -v cpack)" \
+        --config "$1/CPackConfig.cmake" -G "$2" -B "$scratch/none" -D CMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF
+    quietly cmake --build "$1" --parallel
+    quietly cpack --config "$1/CPackConfig.cmake" -G "$2" -B "$scratch/packages"
+    rm -f "$packages"/$3
+    mv "$scratch/packages"/$3 "$packages"
+    echo "$packages"/$3
+}
+
+portable() {
     cd "$top" || exit 1
     quietly cmake --preset portable -B "$build/portable"
-    for built in "$build" "$build/portable"; do
-        quietly cmake --build "$built" --parallel
-        quietly cpack --config "$built/CPackConfig.cmake" -B "$scratch/packages"
-    done
-    deb=$(echo "$scratch"/packages/*.deb)
-    rpm=$(echo "$scratch"/packages/*.rpm)
-    archive=$(echo "$scratch"/packages/*.tar.gz)
-    version=$(dpkg-deb -f "$deb" Version) || exit 1
-
-    cpack=$(command -v cpack)
-    mkdir "$scratch/few"
-    ln -s "$(command -v make)" "$(command -v cmake)" "$(command -v sh)" "$scratch/few"
-    for lacking in "$build" "$build/portable"; do
-        ends_with 1 'Not installed: file, ' env PATH="$scratch/few" "$cpack" -B "$scratch/none" \
-            --config "$lacking/CPackConfig.cmake" -D CMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF
-    done
+    packed "$build/portable" "$@"
 }
 
 # There is no system in the root directory: no libc, and no shell for the package's scripts.
@@ -126,14 +122,18 @@ dpkg_in_root() {
     quietly dpkg --root="$root" --log=/dev/null --force-depends --force-script-chrootless "$@"
 }
 
+# What the Debian package holds and needs, and what an upgrade and a removal leave of the site's own
+# files.
 check_deb() {
+    deb=$(packed "$build" DEB 'cnatool_*.deb') || exit 1
     root=$scratch/deb
     mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
     : > "$root/var/lib/dpkg/status"
-    quietly lintian --allow-root --fail-on error,warning "$deb"
+    same "the package's version" "$(dpkg-deb -f "$deb" Version)" "$version-1"
     same "the changelog's version" \
-        "$(dpkg-parsechangelog -l "$top/packaging/debian/changelog" -S Version)" "$version"
+        "$(dpkg-parsechangelog -l "$top/packaging/debian/changelog" -S Version)" "$version-1"
     same 'what the package depends on' "$(dpkg-deb -f "$deb" Depends | sed 's/ (.*)//')" libc6
+    same 'what the package recommends' "$(dpkg-deb -f "$deb" Recommends)" python3
     dpkg_in_root --install "$deb"
     same 'what is installed' "$(found_files "$root")" "$(debian_files | sort)"
     same 'what has other modes or owners' \
@@ -142,10 +142,11 @@ check_deb() {
     for mark in __stack_chk_fail printf_chk; do
         readelf --dyn-syms -W "$root$directory/cnatool" | grep -q "$mark" || fail "no $mark"
     done
+    upgrade_and_purge
 }
 
 # The next version has another example, and nobody answers.
-check_upgrade_and_purge() {
+upgrade_and_purge() {
     example=usr/share/doc/cnatool/FC_HBA_Conditions.txt.example
     for kept in "$example" etc/default/cnatool opt/cnatool/nx/FWtrace.out \
         opt/cnatool/FC_HBA_Conditions.txt opt/cnatool/local_hba_list.out \
@@ -154,7 +155,7 @@ check_upgrade_and_purge() {
         echo '# of this site' >> "$root/$kept"
     done
     quietly dpkg-deb -R "$deb" "$scratch/next"
-    sed -i "s/^Version: .*/Version: $version.1/" "$scratch/next/DEBIAN/control"
+    sed -i "s/^Version: .*/Version: $version-1.1/" "$scratch/next/DEBIAN/control"
     echo '# of the next version' >> "$scratch/next/$example"
     quietly dpkg-deb --root-owner-group -b "$scratch/next" "$scratch/next.deb"
     dpkg_in_root --install "$scratch/next.deb"
@@ -166,26 +167,52 @@ check_upgrade_and_purge() {
         "$directory/FC_HBA_Conditions.txt $directory/nx/FWtrace.out"
 }
 
+check_lintian() {
+    quietly lintian --allow-root --fail-on error,warning "$packages"/cnatool_*.deb
+}
+
+# The same package comes of another directory, at another time, under another umask.
+check_reproducible() {
+    again="$scratch/in another place/cnatool"
+    mkdir -p "$again" "$scratch/packages"
+    tar -C "$top" --exclude './build*' --exclude './.git' -cf - . | tar -C "$again" -xf - --touch
+    umask 000
+    cd / || exit 1
+    export TZ=Pacific/Auckland LC_ALL=C.UTF-8
+    quietly faketime -f +1000d cmake -S "$again" -B "$again/build" -DBUILD_TESTING=OFF
+    quietly faketime -f +1000d cmake --build "$again/build" --parallel
+    quietly faketime -f +1000d cpack --config "$again/build/CPackConfig.cmake" -B "$scratch/packages"
+    quietly cmp "$packages"/cnatool_*.deb "$scratch/packages"/cnatool_*.deb
+}
+
+# The archive, whose programs run wherever it is unpacked.
 check_archive() {
+    archive=$(portable TGZ 'cnatool-*.tar.gz') || exit 1
     quietly tar -C "$scratch" -xzf "$archive"
     unpacked=$scratch/$(basename "$archive" .tar.gz)
     runs_hardened "$unpacked"
     ends_with 15 "$unpacked/FC_HBA_Conditions.txt" "$unpacked/cnatool" -pci-id F1A0:4201
     same 'what the archive holds' "$(cd "$unpacked" && find ./* -type f | sort | xargs)" "$(
         cd "$top" && printf './%s\n' check_cnatool FC_HBA_Conditions.txt.example LICENSE \
-            CHANGELOG.md README.md SECURITY.md $programs docs/*.8 docs/*.md | sort | xargs)"
+            CHANGELOG.md README.md SECURITY.md $programs docs/*.8 docs/*.md docs/*.json | sort | xargs)"
 }
 
+# What the rpm holds and needs.
 check_rpm() {
-    quietly rpmlint -c "$top/packaging/rpm/rpmlint.toml" "$rpm"
+    rpm=$(portable RPM 'cnatool-*.rpm') || exit 1
     same 'what the rpm requires' \
         "$(rpm -qp --requires "$rpm" | grep -v '^rpmlib(' | sort -u)" /bin/sh
+    same 'what the rpm recommends' "$(rpm -qp --recommends "$rpm")" python3
     same "the version in the rpm's changelog" \
-        "$(rpm -qp --changelog "$rpm" | sed -n '1s/.* - //p')" "$version"
+        "$(rpm -qp --changelog "$rpm" | sed -n '1s/.* - //p')" "$version-1"
     same 'what is in the rpm' "$(rpm -qp --qf \
         '[%{FILEMODES:octal} %{FILEUSERNAME}:%{FILEGROUPNAME} %{FILENAMES}\n]' "$rpm" |
         sed -n 's/^0*100//p' | sort)" \
         "$({ common_files; files 644 /usr/share/doc/cnatool LICENSE; } | sort)"
+}
+
+check_rpmlint() {
+    quietly rpmlint -c "$top/packaging/rpm/rpmlint.toml" "$packages"/cnatool-*.rpm
 }
 
 # program PATH LINES: a shell script in the root directory
@@ -196,13 +223,17 @@ program() {
 }
 
 # A root directory with a static shell and the files of the rpm, later with a management tool.
-check_bare_root() {
+check_root() {
+    if [ -n "${FAKEROOTKEY-}" ] || ! chroot / true 2> /dev/null; then
+        echo 'SKIPPED, no right to change the root directory'
+        exit 77
+    fi
     root=$scratch/bare
     # shellcheck disable=SC2016  # for the other shell
     program /bin/systemctl 'echo "$*" >> /systemctl.log'
     mkdir -p "$root/run/systemd/system"
     cp /bin/busybox "$root/bin/sh"
-    quietly rpm --root "$root" --nodeps -i "$rpm"
+    quietly rpm --root "$root" --nodeps -i "$packages"/cnatool-*.rpm
     ends_with 15 "$directory/FC_HBA" chroot "$root" $directory/cnatool -pci-id F1A0:4201
     cp "$top/demo/server/FC_HBA_Conditions.txt" "$root$directory"
     ends_with 21 '' chroot "$root" $directory/cnatool -pci-id F1A0:4201
@@ -211,51 +242,48 @@ check_bare_root() {
     program /opt/emulex/ocmanager/bin/hbacmd \
         'while read -r line; do echo "$line"; done < "/answers/$1${2:+/$2}.txt"'
     ends_with 4 'Invalid subsystem!' chroot "$root" $directory/cnatool -pci-id F1A0:8402:F2B0:0022
-    check_unit
     quietly rpm --root "$root" --nodeps -e cnatool
     same 'what systemctl was told' "$(xargs < "$root/systemctl.log")" \
         'daemon-reload disable --now cnatool-check.timer daemon-reload'
     [ -f "$root$directory/FC_HBA_Conditions.txt" ] || fail 'the removal has taken the table'
 }
 
-# The unit's command lines as they stand, each with a selection in the settings.
-check_unit() {
-    unit=$root/usr/lib/systemd/system/cnatool-check
-    program /commands "set -ae; . /etc/default/cnatool
-$(sed -n 's/^ExecStart\(Pre\)*=//p' "$unit.service")"
-    while IFS='|' read -r expected text selection; do
-        echo "CNATOOL_SELECTION='$selection'" > "$root/etc/default/cnatool"
-        ends_with "$expected" "$text" chroot "$root" /commands
-    done << 'EOF'
-3|set CNATOOL_SELECTION in /etc/default/cnatool|
-0|Perform subsystem check for:|-pci-id F1A0:4201:F1A0:0011
-12||-pci-id F1A0:2101
-3|Not in CNATOOL_OPTIONS|-pci-id F1A0:2101' CNATOOL_OPTIONS='--flash
-EOF
-    sed -i "s#=/opt#=$root/opt#" "$unit.service"
+check_units() {
+    quietly env DESTDIR="$scratch" cmake --install "$build"
+    unit=$scratch/usr/lib/systemd/system/cnatool-check
+    sed -i "s#=/opt#=$scratch/opt#" "$unit.service"
     quietly systemd-analyze verify --man=no "$unit.service" "$unit.timer"
     same 'what systemd-analyze says' "$(cat "$scratch/log")" ''
+    quietly systemd-analyze security --offline=true --threshold=50 --no-pager "$unit.service"
 }
 
-check_cmake_install() {
+# logrotate reaches the directory itself and the ones in it.
+check_rotation() {
+    mkdir -p "$scratch/opt/nx/deeper"
+    sed "s#$directory#$scratch/opt#g" "$top/packaging/monitoring/logrotate" > "$scratch/rules"
+    for file in FWtrace.out nx/FWtrace.out nx/deeper/FWtrace.out; do
+        truncate -s 2M "$scratch/opt/$file"
+    done
+    echo short > "$scratch/opt/nx/FWtrace.out.old"
+    quietly logrotate -s "$scratch/state" "$scratch/rules"
+    same 'what logrotate leaves' "$(cd "$scratch/opt" && find . -type f | sort | xargs)" \
+        './FWtrace.out.1 ./nx/FWtrace.out.1 ./nx/FWtrace.out.old ./nx/deeper/FWtrace.out'
+    echo short > "$scratch/opt/FWtrace.out"
+    quietly logrotate -s "$scratch/state" "$scratch/rules"
+    [ ! -e "$scratch/opt/FWtrace.out.2" ] || fail 'logrotate renames a short file'
+}
+
+# What cmake --install lays down: the same as the Debian package.
+check_install() {
     staged=$scratch/staged
-    quietly env DESTDIR="$staged" cmake --install "$build" --prefix /
+    quietly env DESTDIR="$staged" cmake --install "$build"
     same 'what cmake --install lays down' "$(found_files "$staged")" "$(debian_files | sort)"
     echo '# of this site' >> "$staged/etc/default/cnatool"
-    quietly cmake --install "$build" --prefix "$staged"
+    quietly env DESTDIR="$staged" cmake --install "$build"
     same 'the end of the settings' "$(tail -n 1 "$staged/etc/default/cnatool")" '# of this site'
-    same 'what lies below a prefix' "$(found_files "$staged")" "$(debian_files | sort)"
+    ends_with 1 'installed into /opt/cnatool' cmake --install "$build" --prefix "$scratch/prefix"
+    [ ! -e "$scratch/prefix" ] || fail 'something lies below a prefix'
 }
 
-build_packages
-check_deb
-check_upgrade_and_purge
-check_archive
-check_rpm
-if [ -z "${FAKEROOTKEY-}" ] && chroot / true 2> /dev/null; then
-    check_bare_root
-else
-    echo 'Not root here: the rpm was not installed, nor its unit tried.'
-fi
-check_cmake_install
-echo "$(basename "$deb"), $(basename "$rpm") and $(basename "$archive") are as they should be."
+"check_$part"
+echo "$part: as it should be."

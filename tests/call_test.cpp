@@ -24,20 +24,18 @@ string chain_text(const option_input* record) {
     return text;
 }
 
-TEST(Selection, ListsFillTheChainPositionByPosition) {
-    expect_table("selections.txt", [](test_case& c) {
-        std::istringstream text("./cnatool " + c["words"]);
-        std::vector<string> words{std::istream_iterator<string>(text), {}};
-        std::vector<char*> argv;
-        for (string& word : words) {
-            std::replace(word.begin(), word.end(), '~', ' ');
-            argv.push_back(word.data());
-        }
-        const exit_status status = status_of([&] {
-            return read_command_line(static_cast<int>(argv.size()), argv.data()).value_or(RET_OK);
-        });
-        return status == RET_OK ? chain_text(p_option_input) : std::to_string(status);
+const bool selections = add_results("Selection", "selections.txt", "words", [](test_case& c) {
+    std::istringstream text("./cnatool " + c["words"]);
+    std::vector<string> words{std::istream_iterator<string>(text), {}};
+    std::vector<char*> argv;
+    for (string& word : words) {
+        std::replace(word.begin(), word.end(), '~', ' ');
+        argv.push_back(word.data());
+    }
+    const exit_status status = status_of([&] {
+        return read_command_line(static_cast<int>(argv.size()), argv.data()).value_or(RET_OK);
     });
-}
+    return status == RET_OK ? chain_text(p_option_input) : std::to_string(status);
+});
 
 }  // namespace

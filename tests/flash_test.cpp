@@ -9,26 +9,25 @@ namespace {
 
 using std::string;
 
-TEST(ImageFinder, ThePatternIsThePrefixSide) {
-    for (test_case& c : cases("images.txt")) {
-        const scratch directory;
-        const string path = directory.path.string() + "/";
-        std::istringstream names(c["names"]);
-        for (string name; names >> name;) {
-            if (name.ends_with('/')) {
-                std::filesystem::create_directory(path + name);
-            } else {
-                write_file(path + name, "x");
-            }
+const bool images = add_cases("ImageFinder", "images.txt", {"names pattern found"}, [](auto& c) {
+    const scratch directory;
+    const string path = directory.path.string() + "/";
+    std::istringstream names(c["names"]);
+    for (string each; names >> each;) {
+        if (each.ends_with('/')) {
+            std::filesystem::create_directory(path + each);
+        } else {
+            write_file(path + each, "x");
         }
-        char result[image_path_width] = "untouched";
-        const bool found = !c["found"].empty();
-        EXPECT_EQ(FindFlashImage(path.c_str(), result, c["pattern"].c_str()),
-                  found ? RET_OK : RET_FW_NOT_AVAILABLE)
-            << c["names"] << " " << c["pattern"];
-        EXPECT_EQ(result, found ? path + c["found"] : "untouched");
     }
-}
+    const std::filesystem::directory_iterator entries(path);
+    const string name = c["found"] == "first" ? entries->path().filename().string() : c["found"];
+    char result[image_path_width] = "untouched";
+    const bool found = name != "none";
+    EXPECT_EQ(FindFlashImage(path.c_str(), result, c["pattern"].c_str()),
+              found ? RET_OK : RET_FW_NOT_AVAILABLE);
+    EXPECT_EQ(result, found ? path + name : "untouched");
+});
 
 TEST(ImageFinder, PassesOverAnImageWhosePathDoesNotFit) {
     const scratch directory;

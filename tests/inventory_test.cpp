@@ -1,20 +1,25 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstring>
+#include <functional>
 #include <sstream>
 
+#include "base/interruption.h"
 #include "base/list.h"
 #include "base/output.h"
 #include "base/text.h"
 #include "call/options.h"
 #include "inventory/flash_ports.h"
-#include "inventory/management_tool.h"
 #include "inventory/port_attributes.h"
 #include "inventory/port_list.h"
 #include "inventory/port_ordering.h"
 #include "inventory/port_records.h"
 #include "inventory/target_mapping.h"
 #include "support/support.h"
+#include "tool/command_run.h"
+#include "tool/tool_command.h"
 
 namespace {
 
@@ -56,16 +61,14 @@ string read_mapping(const string& text) {
     return entry == nullptr ? "none" : string(entry->VendorID) + "/" + entry->ProductID;
 }
 
-TEST(Readers, LinesFillRecordsAndAreEchoed) {
-    std::map<string, string (*)(const string&)> readers{
+const bool readings = add_results("Readers", "readings.txt", "reader output", [](test_case& c) {
+    const std::map<string, string (*)(const string&)> readers{
         {"list", read_list}, {"attributes", read_attributes}, {"mapping", read_mapping}};
-    expect_table("readings.txt", [&](test_case& c) {
-        VerboseLevel = 6;
-        string kept;
-        const string echo = output_of([&] { kept = readers.at(c["reader"])(c["output"]); });
-        return echo + "=>" + kept;
-    });
-}
+    VerboseLevel = 6;
+    string kept;
+    const string echo = output_of([&] { kept = readers.at(c["reader"])(c["output"]); });
+    return echo + "=>" + kept;
+});
 
 // A value of 5,000 characters fills the field of its key, which is as wide as is said here, and of
 // the record nothing else; so no key stands behind one that it begins with.
@@ -158,18 +161,20 @@ string place_of(const hba_info* port) {
     return port == nullptr ? "none" : string(port->PCIFunction) + "/" + port->PortNumber;
 }
 
-TEST(PortOrdering, PortsComeTogetherByController) {
-    expect_table("orders.txt", [](test_case& c) {
-        make_ports(c["ports"]);
-        EXPECT_EQ(Classify_Ctrl_List(), 0);
-        string order;
-        for (const hba_info* port : entries(p_hba_info_list)) {
-            order += string(order.empty() ? "" : ", ") + port->PortType + " " + port->SerialNo +
-                     " " + port->PCIFunction;
-        }
-        return order;
-    });
-}
+const bool orders = add_results("PortOrdering", "orders.txt", "ports", [](test_case& c) {
+    make_ports(c["ports"]);
+    EXPECT_EQ(Classify_Ctrl_List(), 0);
+    string order;
+    for (const hba_info* port : entries(p_hba_info_list)) {
+        order += string(order.empty() ? "" : ", ") + port->PortType + " " + port->SerialNo + " " +
+                 port->PCIFunction;
+    }
+    // A port that comes behind the removed ones is the next of the list.
+    const std::size_t left = entries(p_hba_info_list).size();
+    get_new_hba_info_entry();
+    EXPECT_EQ(entries(p_hba_info_list).size(), left + 1);
+    return order;
+});
 
 string chain_of(const hba_info* flash_port) {
     string chain;
@@ -184,41 +189,43 @@ string chain_of(const hba_info* flash_port) {
     return chain;
 }
 
-TEST(FlashPorts, CandidatesAndChains) {
-    expect_table("chains.txt", [](test_case& c) {
-        make_ports(c["ports"]);
-        EXPECT_EQ(Determine_Flash_Ports(), 0);
-        string flash_ports;
-        for (const hba_info* port : entries(p_hba_info_list)) {
-            flash_ports += place_of(port->flash_port) + " ";
-        }
-        return flash_ports + "->" + chain_of(p_hba_info_list[0]->flash_port);
-    });
-}
+const bool chains = add_results("FlashPorts", "chains.txt", "ports", [](test_case& c) {
+    make_ports(c["ports"]);
+    EXPECT_EQ(Determine_Flash_Ports(), 0);
+    string flash_ports;
+    for (const hba_info* port : entries(p_hba_info_list)) {
+        flash_ports += place_of(port->flash_port) + " ";
+    }
+    return flash_ports + "->" + chain_of(p_hba_info_list[0]->flash_port);
+});
 
 // --- commands -----------------------------------------------------------------------------
 
 // Behind the word "x" a value stands as an argument, behind ">" as the target, in both within
 // words.
 TEST(ManagementTool, UnsafeValuesAreTheOnesThatAShellActsOn) {
-    const std::pair<const char*, string> places[] = {{"x %s > f\n", "|&;<>()$`\\\"'{\n*?["},
-                                                     {"x %s > f\n", "~#"},
-                                                     {"x > d/%s\n", "|{\n"},
-                                                     {"%s\n", "~#"},
-                                                     {"x > %s\n", "~#"}};
+    const struct {
+        fill_format<1> format;
+        string characters;
+    } places[] = {{"x %s > f\n", "|&;<>()$`\\\"'{\n*?["},
+                  {"x %s > f\n", "~#"},
+                  {"x > d/%s\n", "|{\n"},
+                  {"%s\n", "~#"},
+                  {"x > %s\n", "~#"}};
     for (const auto& [format, characters] : places) {
         for (const char c : characters) {
             const string value{c, 'a'};
-            EXPECT_EQ(compose_command(format, {value}).unsafe_value, value) << format;
+            EXPECT_EQ(compose_command(format, value).unsafe_value, value) << format.text;
         }
     }
-    for (const char* format : {"x > d/%s\n", "x >> d/%s\n"}) {
-        EXPECT_EQ(compose_command(format, {"a~#*?[ b\r}~"}).unsafe_value, "");
-        EXPECT_EQ(compose_command(format, {"a b*"}).unsafe_value, "a b*");
-        EXPECT_EQ(compose_command(format, {"a #"}).unsafe_value, "a #");
+    for (const fill_format<1> format :
+         std::initializer_list<fill_format<1>>{"x > d/%s\n", "x >> d/%s\n"}) {
+        EXPECT_EQ(compose_command(format, "a~#*?[ b\r}~").unsafe_value, "");
+        EXPECT_EQ(compose_command(format, "a b*").unsafe_value, "a b*");
+        EXPECT_EQ(compose_command(format, "a #").unsafe_value, "a #");
     }
-    EXPECT_EQ(compose_command("x y%s %s", {"~#", "a~#\r"}).unsafe_value, "");
-    EXPECT_EQ(compose_command("x %s %s %s", {"a", "b;", "c;"}).unsafe_value, "b;");
+    EXPECT_EQ(compose_command("x y%s %s", "~#", "a~#\r").unsafe_value, "");
+    EXPECT_EQ(compose_command("x %s %s %s", "a", "b;", "c;").unsafe_value, "b;");
 }
 
 TEST(ManagementTool, UnsafeAndLongCommandsAreRefused) {
@@ -226,14 +233,14 @@ TEST(ManagementTool, UnsafeAndLongCommandsAreRefused) {
     const auto refusal = [](const tool_command& command) {
         return output_of([&] { is_refused(command); });
     };
-    const tool_command unsafe = compose_command("true %s", {"a;b"});
-    const tool_command lengthy = compose_command("true %s", {string(1019, 'x')});
+    const tool_command unsafe = compose_command("true %s", "a;b");
+    const tool_command lengthy = compose_command("true %s", string(1019, 'x'));
     const string too_long =
         "Error: Command or file name is too long: true " + string(1019, 'x') + "\n";
     EXPECT_EQ(refusal(unsafe), "Error: Unsafe value 'a;b' in command: true a;b\n");
     EXPECT_EQ(refusal(lengthy), too_long);
-    EXPECT_EQ(refusal(compose_command("true %s", {string(1018, 'x')})), "");
-    EXPECT_EQ(run_command(compose_command("test %s", {"a = b\r"}), command_kind::query), 256);
+    EXPECT_EQ(refusal(compose_command("true %s", string(1018, 'x'))), "");
+    EXPECT_EQ(run_query(compose_command("test %s", "a = b\r")), 256);
     active_option_simulate = 1;  // nothing would be run, and only what is too long is refused
     EXPECT_EQ(refusal(unsafe), "");
     EXPECT_EQ(refusal(lengthy), too_long);
@@ -241,6 +248,33 @@ TEST(ManagementTool, UnsafeAndLongCommandsAreRefused) {
              {"..", true}, {"../x", true}, {"x/../y", true}, {"n/a", false}, {"a..b", false}}) {
         EXPECT_EQ(leaves_directory(name), leaves) << name;
     }
+}
+
+// The status of a process of its own, which has noted a signal and in which another one is pending.
+int status_of_interrupted(const std::function<int()>& act) {
+    const pid_t child = fork();
+    if (child == 0) {
+        const sigset_t signals = ending_signals();
+        note_signals(signals);
+        raise(SIGRTMAX);
+        sigprocmask(SIG_BLOCK, &signals, nullptr);
+        raise(SIGRTMIN);
+        _exit(act());
+    }
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    return status;
+}
+
+TEST(ManagementTool, SignalsKeepADownloadFromBeingStartedAndDoNotReachIt) {
+    EXPECT_EQ(status_of_interrupted([] { return run_download_in_shell("exit 0") ? 1 : 0; }), 0);
+    EXPECT_EQ(status_of_interrupted([] {
+                  drop_noted_signals();
+                  const sigset_t signals = ending_signals();
+                  sigprocmask(SIG_UNBLOCK, &signals, nullptr);
+                  return 0;
+              }),
+              0);
 }
 
 }  // namespace

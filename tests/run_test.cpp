@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <sstream>
 
@@ -28,22 +29,20 @@ TEST(Run, SaysEachLineFromItsLevelOn) {
     }
 }
 
-TEST(Run, CallsThatEndOnTheCommandLineAreExact) {
+const bool calls = add_cases("Run", "calls.txt", {"status words says"}, [](test_case& c) {
     const server host;
     const string variables = "LONG=" + string(1024, '1') + " PATH_LONG=" + string(1002, 'p') + "; ";
-    for (test_case& c : cases("calls.txt")) {
-        const string says = c["says"].ends_with(".txt") ? golden(c["says"]) : c["says"];
-        std::istringstream calls(c["words"]);
-        for (string words; std::getline(calls >> std::ws, words, '|');) {
-            const run_result result = host.run(variables + "./cnatool " + words);
-            const string first = replaced(words.substr(0, words.find(' ')), "/", "-");
-            EXPECT_EQ(std::to_string(result.status), c["status"]) << words;
-            EXPECT_EQ(result.out, replaced(says, "@", first)) << words;
-            EXPECT_EQ(result.err, "") << words;
-        }
+    const string says = c["says"].ends_with(".txt") ? golden(c["says"]) : c["says"];
+    std::istringstream alternatives(c["words"]);
+    for (string words; std::getline(alternatives >> std::ws, words, '|');) {
+        const run_result result = host.run(variables + "./cnatool " + words);
+        const string first = replaced(words.substr(0, words.find(' ')), "/", "-");
+        EXPECT_EQ(std::to_string(result.status), c["status"]) << words;
+        EXPECT_EQ(result.out, replaced(says, "@", first)) << words;
+        EXPECT_EQ(result.err, "") << words;
     }
     EXPECT_EQ(host.calls(), "");
-}
+});
 
 // Wherever in a run the memory ends, the run says so and ends with the same status.
 TEST(Run, MemoryThatRunsOutAnywhereEndsTheRun) {
@@ -89,93 +88,67 @@ TEST(Run, MemoryThatRunsOutAnywhereEndsTheRun) {
 }
 
 // What C1's first port says of its storage, Arctis 400 of HELMSTOR, under a row with these triples.
-TEST(Run, StorageIsHeldAgainstTheTriplesInTheirOrder) {
+const bool validations = add_cases("Run", "validations.txt", {"allowed status says"}, [](auto& c) {
     const string attached =
         "\n\t\tAttached storage sub-system:\n\t\t\t\tHELMSTOR\n\t\t\t\tArctis 400\n\t\t\t\t0401\n";
-    for (test_case& c : cases("validations.txt")) {
-        const run_result result =
-            server().run("echo 'N | NX | F1A0 | 4201 | F1A0 | 0011 | d | - | - | f | b | - | - " +
-                         c["allowed"] + "' > FC_HBA_Conditions.txt; ./cnatool -v 5 -pci-id $C1");
-        const string says = "PCI function: 2\n" + replaced(c["says"], "@", attached) + "\t\tTake";
-        EXPECT_EQ(std::to_string(result.status), c["status"]) << c["allowed"];
-        EXPECT_NE(result.out.find(says), string::npos) << says << "\n" << result.out;
+    const run_result result =
+        server().run("echo 'N | NX | F1A0 | 4201 | F1A0 | 0011 | d | - | - | f | b | - | - " +
+                     c["allowed"] + "' > FC_HBA_Conditions.txt; ./cnatool -v 5 -pci-id $C1");
+    const string says = "PCI function: 2\n" + replaced(c["says"], "@", attached) + "\t\tTake";
+    EXPECT_EQ(std::to_string(result.status), c["status"]);
+    EXPECT_NE(result.out.find(says), string::npos) << says << "\n" << result.out;
+});
+
+// The downloads among the calls, a line each, or "none".
+string downloads_of(const string& reached) {
+    string downloads;
+    std::istringstream lines(reached);
+    for (string call; std::getline(lines, call);) {
+        downloads += call.starts_with("download ") ? call.substr(9) + "\n" : "";
     }
+    return downloads.empty() ? "none" : downloads;
 }
 
-// A case with "from" is run at that level and at the one below, where what it says is missing.
-void run_table(const char* name) {
-    for (test_case& c : cases(name)) {
-        if (SANITIZED && c.contains("without")) {
-            continue;  // sanitizers need more address space than the case leaves
-        }
-        const server host;
-        const run_result result = host.run("V=" + c["from"] + "; " + c["run"]);
-        EXPECT_EQ(std::to_string(result.status), c["status"]) << c["run"] << "\n" << result.err;
-        EXPECT_NE(result.out.find(c["says"]), string::npos) << c["run"] << "\n" << result.out;
-        EXPECT_NE(result.err.find(c["stderr"]), string::npos) << c["run"] << "\n" << result.err;
-        if (c.contains("reached")) {
-            string downloads;
-            std::istringstream calls(host.calls());
-            for (string call; std::getline(calls, call);) {
-                downloads += call.starts_with("download") ? call + "\n" : "";
-            }
-            EXPECT_EQ(downloads, c["reached"]) << c["run"] << "\n" << result.out;
-        }
-        if (!c["from"].empty()) {
-            const string below = "V=" + std::to_string(std::stoi(c["from"]) - 1) + "; " + c["run"];
-            EXPECT_EQ(server().run(below).out.find(c["says"]), string::npos) << below;
-        }
+const case_keys run_keys{"status run", "says lacks prints stderr reached needs"};
+
+// The run of a case, held against all that the case says of it; gives the standard output.
+string expect_run(test_case& c) {
+    const server host;
+    const run_result result = host.run(c["run"]);
+    SCOPED_TRACE("standard output:\n" + result.out + "standard error:\n" + result.err);
+    EXPECT_EQ(std::to_string(result.status), c["status"]);
+    EXPECT_NE(result.out.find(c["says"]), string::npos) << c["says"];
+    EXPECT_NE(result.err.find(c["stderr"]), string::npos) << c["stderr"];
+    if (c.contains("lacks")) {
+        EXPECT_EQ(result.out.find(c["lacks"]), string::npos);
     }
-}
-
-TEST(Run, EndsAsItsTableSays) { run_table("runs.txt"); }
-
-TEST(Run, HoldsWhenInterruptedOrOvertaken) { run_table("interruptions.txt"); }
-
-TEST(Run, HoldsWhenTheWorldMisbehaves) { run_table("misbehaving.txt"); }
-
-TEST(Run, SaysTheRestFromItsLevelOn) { run_table("levels.txt"); }
-
-TEST(Run, FlashReachesTheRightControllersAndNothingElse) { run_table("flashes.txt"); }
-
-TEST(Run, FaultsOfTheManagementToolAreReported) { run_table("faults.txt"); }
-
-// --- hostile values -----------------------------------------------------------------------
-
-// One port, whose values go into every kind of command; one row that names no directory.
-void lay_out_one_port(const server& host, const string& serial, const string& function,
-                      const string& type, const string& address, const string& model) {
-    const fs::path answers = host.stand_in() / "answers";
-    write_file(answers / "listhbas.txt", (type == "FCoE" ? "Port WWN : " : "Permanent MAC : ") +
-                                             address + "\nSerial No : " + serial +
-                                             "\nPort Number : 0\nPCI Function : " + function +
-                                             "\nPort Type : " + type + "\nModel : " + model + "\n");
-    write_file(answers / "hbaattributes/MAC.txt",
-               "HBA Attributes for MAC\nVendor Spec ID : 1\nDevice ID : 2\n");
-    write_file(answers / "download/MAC.txt", "done\n");
-    write_file(host.path / "FC_HBA_Conditions.txt", "V | M | 1 | 2 | 0 | 0 | | a | b | fw.bin");
-}
-
-// Which characters are unsafe is a matter of the command; here the places where they come from.
-TEST(Run, HostileValuesReachNoShell) {
-    for (int place = 0; place < 6; ++place) {
-        const string value = place == 1 ? "0;" : "a;";
-        const string image = place == 5 ? "fw.bin\"" : "fw.bin";
-        const string model = place == 4 ? value : "M";
-        const server host;
-        lay_out_one_port(host, place == 0 ? value : "SN", place == 1 ? value : "0",
-                         place == 2 ? "FCoE" : "iSCSI", place == 2 || place == 3 ? value : "MAC",
-                         model);
-        fs::create_directory(host.path / model);
-        write_file(host.path / model / image, "image");
-        const run_result result = host.run("./cnatool --flash -pci-id 1:2");
-        EXPECT_EQ(result.status, place < 4 ? 51 : 10) << place << result.out;
-        const std::size_t said = result.out.find("Error: Unsafe value '");
-        ASSERT_NE(said, string::npos) << place << result.out;
-        EXPECT_NE(result.out.find(place == 5 ? "./M/" + image : value, said), string::npos);
-        EXPECT_EQ(host.calls(), place < 4 ? "listhbas\n" : "listhbas\nhbaattributes MAC\n");
-        EXPECT_FALSE(fs::exists(host.path / "a"));
+    if (c.contains("prints")) {
+        EXPECT_EQ(result.out, c["prints"]);
     }
+    if (c.contains("reached")) {
+        EXPECT_EQ(downloads_of(host.calls()), c["reached"]);
+    }
+    return result.out;
 }
+
+const bool runs = add_cases("Run", "runs.txt", run_keys, expect_run);
+const bool flashes = add_cases("Run", "flashes.txt", run_keys, expect_run);
+const bool interruptions = add_cases("Run", "interruptions.txt", run_keys, expect_run);
+const bool misbehaving = add_cases("Run", "misbehaving.txt", run_keys, expect_run);
+
+// No fault of the management tool passes as a flash that went well.
+const bool faults = add_cases("Run", "faults.txt", run_keys, [](test_case& c) {
+    EXPECT_EQ(expect_run(c).find("Success, flash"), string::npos);
+});
+
+// At the level a case names it says its text, and at the one below it does not.
+const bool levels = add_cases("Run", "levels.txt", {"status from run says"}, [](test_case& c) {
+    const int from = std::stoi(c["from"]);
+    const run_result result = server().run("V=" + std::to_string(from) + "; " + c["run"]);
+    EXPECT_EQ(std::to_string(result.status), c["status"]);
+    EXPECT_NE(result.out.find(c["says"]), string::npos) << result.out;
+    const string below = "V=" + std::to_string(from - 1) + "; " + c["run"];
+    EXPECT_EQ(server().run(below).out.find(c["says"]), string::npos) << below;
+});
 
 }  // namespace

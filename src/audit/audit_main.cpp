@@ -1,18 +1,13 @@
 #include <cstdlib>
-#include <string>
 
 #include "audit/audit_run.h"
-#include "audit/progress.h"
+#include "audit/diagnostics.h"
 #include "base/end_process.h"
-#include "base/ground.h"
-#include "inventory/management_tool.h"
+#include "base/process_setup.h"
 
-// What ends the tool at once ends the audit likewise, with its own status. The library has said
-// what is wrong, as far as it does.
+// What ends the tool at once also ends the audit, with the status of an audit.
 void end_process(exit_status status) {
-    const std::string& file = file_being_read();
-    give_up(fill_in("cannot go on%s%s: cnatool ends with status %s here",
-                    {file.empty() ? "" : " in ", file, std::to_string(status)}));
+    cannot_go_on(status);
     std::exit(AUDIT_GAVE_UP);
 }
 

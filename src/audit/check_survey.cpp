@@ -1,183 +1,160 @@
 #include <algorithm>
-#include <set>
-#include <string>
-#include <string_view>
-#include <unordered_map>
 
 #include "audit/survey.h"
+#include "base/text.h"
 #include "check/check_walk.h"
 #include "check/controller_check.h"
 #include "check/subsystem_validation.h"
-#include "inventory/management_tool.h"
 #include "walk/matching.h"
 
 namespace {
 
-/// What the walk comes by, by flash port: the rows that it holds against the chain there.
-struct chain_state {
-    std::vector<hba_info*> members;
-    std::vector<fc_config_file_entry*> rows;
-};
-
-using chain_map = std::unordered_map<const hba_info*, chain_state>;
+using enum finding_code;
 
 struct check_state {
-    chain_map chains;
+    survey& result;
+    /// The rows that the walk holds against the chain of a flash port, in the table's order.
+    std::unordered_map<const hba_info*, row_list> rows;
     /// Of which controller and row it was said that their names differ.
     std::set<std::pair<const controller*, const fc_config_file_entry*>> named;
 };
 
-chain_state& chain_at(const hba_info& flash_port, chain_map& chains) {
-    const auto [place, is_new] = chains.try_emplace(&flash_port);
-    if (is_new) {
-        place->second.members = chain_of(flash_port);
-    }
-    return place->second;
-}
-
-void note_judged(const hba_info& member, fc_config_file_entry& row, survey& result) {
-    surveyed_port& port = *result.places.at(&member).second;
-    port.checked_by = &row;
-    if (member.target_mapping == nullptr) {
-        result.findings.push_back(found_at_port(finding_code::no_storage, member,
-                                                "no storage was seen behind it, and it passes."));
-    } else {
-        port.allowed_by = find_allowing_triple(*member.target_mapping, row);
+void note_step(const hba_info& port, const fc_config_file_entry& row, check_state& state) {
+    state.result.places.at(&port).first->has_step = true;
+    row_list& rows = state.rows[port.flash_port];
+    const auto place = std::ranges::lower_bound(rows, row.piece, {}, &fc_config_file_entry::piece);
+    if (place == rows.end() || *place != &row) {
+        rows.insert(place, &row);
     }
 }
 
-// Does the step of a check, and looks which ports of the chain have been judged in it.
-void check_and_look(const hba_info* port, fc_config_file_entry** row, global_ctrl_flags* flags,
-                    chain_map& chains, survey& result) {
-    result.places.at(port).first->has_step = true;
-    chain_state& chain = chain_at(*port->flash_port, chains);
-    if (std::find(chain.rows.begin(), chain.rows.end(), *row) == chain.rows.end()) {
-        chain.rows.push_back(*row);
-    }
-    std::vector<const hba_info*> unchecked;
-    std::copy_if(chain.members.begin(), chain.members.end(), std::back_inserter(unchecked),
-                 [](const hba_info* member) { return !member->check_done; });
-    DoSubSystemCheck(port, row, flags);
-    for (const hba_info* member : unchecked) {
-        if (member->check_done) {
-            note_judged(*member, **row, result);
+void judge_luns(const hba_info& port, const fc_config_file_entry& row, survey& result) {
+    for (const target_mapping_entry& lun : result.outputs.luns[&port]) {
+        if (find_allowing_triple(lun, row) == nullptr) {
+            add_finding(result.findings, lun_unjudged, at_port(port),
+                        fill_in("LUN %s is of %s %s, which line %s does not allow; a check judges "
+                                "the last LUN alone.",
+                                lun.FCPLun, lun.VendorID, lun.ProductID, std::to_string(row.line)));
+            return;
         }
     }
 }
 
-std::string ids_of_selected(const controller& selected) {
-    const auto member = std::find_if(selected.ports.begin(), selected.ports.end(),
-                                     [](const surveyed_port& each) { return each.selected; });
+void note_judged(const hba_info& port, const fc_config_file_entry& row,
+                 const fc_periphery_info* allowed_by, survey& result) {
+    surveyed_port& judged = *result.places.at(&port).second;
+    judged.checked_by = &row;
+    judged.allowed_by = allowed_by;
+    if (port.target_mapping == nullptr) {
+        add_finding(result.findings, no_storage, at_port(port),
+                    "no storage was seen behind it, and it passes.");
+    } else if (allowed_by != nullptr) {
+        judge_luns(port, row, result);
+    }
+}
+
+void note_no_row(const controller& selected, survey& result) {
+    const auto member = std::ranges::find_if(selected.ports, &surveyed_port::selected);
     const hba_attributes_entry& ids = *member->port->attributes;
-    return fill_in("%s:%s:%s:%s",
-                   {ids.VendorSpecID, ids.DeviceID, ids.SubVendorID, ids.SubDeviceID});
+    add_finding(result.findings, no_row, at_controller(*member->port),
+                fill_in("no row has the identifiers %s:%s:%s:%s by which it is selected: it is "
+                        "neither checked nor flashed.",
+                        ids.VendorSpecID, ids.DeviceID, ids.SubVendorID, ids.SubDeviceID));
 }
 
 void judge_identifiers(const controller& selected, survey& result) {
-    const hba_info& port = *selected.ports.front().port;
-    if (!selected.has_step) {
-        result.findings.push_back(found_at_controller(
-            finding_code::no_row, port,
-            fill_in("no row has the identifiers %s by which it is selected: it is neither checked "
-                    "nor flashed.",
-                    {ids_of_selected(selected)})));
-    }
     const fc_config_file_entry* by_two = nullptr;
     for (const surveyed_port& member : selected.ports) {
-        for (const fitting_row& each : selected.rows) {
-            if (!member.selected || !fits_row(*member.port, *each.row, false)) {
-                continue;
-            }
-            if (fits_row(*member.port, *each.row, true)) {
-                return;
-            }
-            by_two = by_two == nullptr ? each.row : by_two;
+        if (member.selected && !member.rows->by_four.empty()) {
+            return;
+        }
+        if (member.selected && by_two == nullptr && !member.rows->by_two.empty()) {
+            by_two = member.rows->by_two.front();
         }
     }
     if (by_two != nullptr) {
-        result.findings.push_back(
-            found_at_row(finding_code::ids_differ, *by_two,
-                         "fits by vendor and device alone: a selection by these two is checked by "
-                         "it, and nothing is flashed."));
-        result.findings.back().serial = port.SerialNo;
+        finding& found = add_finding(
+            result.findings, ids_differ, at_row(*by_two),
+            "fits by vendor and device alone: a selection by these two is checked by it, and "
+            "nothing is flashed.");
+        found.place.serial = selected.ports.front().port->SerialNo;
+        found.weight = result.flash ? severity::warning : severity::note;
     }
 }
 
 // A row is named once for a controller.
-void note_names(const controller& selected, const hba_info& port, fc_config_file_entry& row,
-                check_state& state, survey& result) {
+void note_names(const controller& selected, const hba_info& port, const fc_config_file_entry& row,
+                check_state& state) {
     if (!state.named.emplace(&selected, &row).second) {
         return;
     }
-    const bool is_flashed = port.attributes != nullptr && fits_row(port, row, true);
-    result.findings.push_back(found_at_row(
-        finding_code::names_differ, row,
-        fill_in("'%s', '%s' are no beginnings of '%s', '%s': it checks nothing there%s.",
-                {row.vendor, row.model, port.Mfg, port.Model,
-                 is_flashed ? ", and still flashes" : ""})));
-    result.findings.back().serial = port.SerialNo;
+    const bool is_vendor = !std::string_view(port.Mfg).starts_with(row.vendor);
+    add_finding(state.result.findings, names_differ, at_row(row),
+                fill_in("%s '%s' is not a prefix of '%s': it checks nothing there%s.",
+                        is_vendor ? "vendor" : "model", is_vendor ? row.vendor : row.model,
+                        is_vendor ? port.Mfg : port.Model,
+                        selected.flashed_by.contains(&row) ? ", and still flashes" : ""))
+        .place.serial = port.SerialNo;
 }
 
 // A row with all identifiers of a selected port, but other names.
-void judge_names(const controller& selected, check_state& state, survey& result) {
-    for (const surveyed_port& member : selected.ports) {
-        for (const fitting_row& each : selected.rows) {
-            if (member.selected && fits_row(*member.port, *each.row, true) &&
-                !fits_names(*member.port, *each.row)) {
-                note_names(selected, *member.port, *each.row, state, result);
-            }
+void judge_names(const controller& selected, const surveyed_port& member, check_state& state) {
+    if (!member.selected) {
+        return;
+    }
+    for (const fc_config_file_entry* row : member.rows->by_four) {
+        if (!fits_names(*member.port, *row)) {
+            note_names(selected, *member.port, *row, state);
         }
     }
 }
 
 // Why the check has not come to this port, though it came to the controller.
-void judge_left_out(const controller& selected, const surveyed_port& left_out, check_state& state,
-                    survey& result) {
+void judge_left_out(const controller& selected, const surveyed_port& left_out, check_state& state) {
     const hba_info& port = *left_out.port;
     const auto note = [&](const char* what) {
-        result.findings.push_back(found_at_port(finding_code::not_on_chain, port, what));
+        add_finding(state.result.findings, not_on_chain, at_port(port), what);
     };
+    const row_list& rows = state.rows[port.flash_port];
     if (!left_out.on_chain) {
         note(port.flash_port == &port
                  ? "no check visits it: the flash port is not on the chain that hangs on it."
                  : "no check visits it: it is not on the chain that hangs on its flash port.");
-        return;
-    }
-    const chain_state& chain = chain_at(*port.flash_port, state.chains);
-    const auto fits = [&](const fc_config_file_entry* row) { return fits_names(port, *row); };
-    if (std::any_of(chain.rows.begin(), chain.rows.end(), fits)) {
+    } else if (std::ranges::any_of(rows, [&](auto* row) { return fits_names(port, *row); })) {
         note("no check visits it: the storage behind a port before it is not allowed.");
-        return;
-    }
-    for (fc_config_file_entry* row : chain.rows) {
-        note_names(selected, port, *row, state, result);
+    } else {
+        for (const fc_config_file_entry* row : rows) {
+            note_names(selected, port, *row, state);
+        }
     }
 }
 
-bool is_left_out(const surveyed_port& each) {
-    return each.checked_by == nullptr && std::string_view(each.port->PortType).starts_with("FCoE");
+void judge_controller(const controller& selected, check_state& state) {
+    if (!selected.has_step) {
+        note_no_row(selected, state.result);
+    }
+    judge_identifiers(selected, state.result);
+    for (const surveyed_port& member : selected.ports) {
+        judge_names(selected, member, state);
+        if (selected.has_step && member.checked_by == nullptr && is_fcoe(*member.port)) {
+            judge_left_out(selected, member, state);
+        }
+    }
 }
 
 }  // namespace
 
 void survey_check(const option_input* selection, survey& result) {
-    check_state state;
+    check_state state{.result = result, .rows = {}, .named = {}};
     global_ctrl_flags flags;
-    OverallSubSystemCheck(
-        selection, &flags,
-        [&](const hba_info* port, fc_config_file_entry** row, global_ctrl_flags* found) {
-            check_and_look(port, row, found, state.chains, result);
-        });
+    const check_observer observer{
+        .comes_to = [&](const auto& port, const auto& row) { note_step(port, row, state); },
+        .judges = [&](const auto& port, const auto& row,
+                      auto* allowed_by) { note_judged(port, row, allowed_by, result); }};
+    OverallSubSystemCheck(selection, &flags, observer);
     for (const controller& each : result.controllers) {
-        if (!each.selected) {
-            continue;
-        }
-        judge_identifiers(each, result);
-        judge_names(each, state, result);
-        for (const surveyed_port& member : each.ports) {
-            if (each.has_step && is_left_out(member)) {
-                judge_left_out(each, member, state, result);
-            }
+        if (each.selected) {
+            judge_controller(each, state);
         }
     }
 }

@@ -1,109 +1,150 @@
 #include "audit/findings.h"
 
-#include <array>
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
+#include "base/text.h"
 #include "call/paths.h"
 
 namespace {
 
+using enum finding_code;
+using enum severity;
+
 struct code_row {
     finding_code code;
+    severity weight;
     const char* name;
     const char* advice;
 };
 
-// In the order of finding_code.
-constexpr std::array code_rows{
-    code_row{
-        finding_code::not_installed, "not-installed",
-        "Compare the group with the identifiers that cnatool-audit shows without a selection."},
-    code_row{finding_code::no_row, "no-row",
-             "Add a row with these identifiers, or leave the controller out of the selection."},
-    code_row{finding_code::ids_differ, "ids-differ",
-             "If the controller is to be flashed, give it a row with all four identifiers."},
-    code_row{finding_code::names_differ, "names-differ",
-             "Let vendor and model of the row be beginnings of what the port reports."},
-    code_row{finding_code::no_storage, "no-storage",
-             "See whether storage should be behind the port: link, zoning, mapping."},
-    code_row{finding_code::not_on_chain, "not-on-chain",
-             "Compare the storage behind this port with the table by hand."},
-    code_row{finding_code::many_flashes, "many-flashes",
-             "Select the controller so that its flash port is selected and fits a row itself."},
-    code_row{finding_code::flash_refused, "flash-refused",
-             "Rename what is named here: short, and without characters of the shell."},
-    code_row{finding_code::image_missing, "image-missing",
-             "Put the image into this directory, or correct its name in the row."},
-    code_row{finding_code::directory_missing, "directory-missing",
-             "Make the directory, or see that the images beside the table are the right ones."},
-    code_row{finding_code::image_ambiguous, "image-ambiguous",
-             "Leave only one file there whose name fits."},
-    code_row{finding_code::output_incomplete, "output-incomplete",
-             "Run cnatool again; if it stays so, ask the management tool by hand."},
-    code_row{finding_code::output_old, "output-old",
-             "Run cnatool again, so that all outputs are of one run."},
-    code_row{finding_code::row_unreachable, "row-unreachable",
-             "Join the row with the earlier one, or correct its identifiers."},
-    code_row{finding_code::row_odd, "row-odd", "See whether the row says what is meant."},
+constexpr code_row code_rows[] = {
+    {not_installed, error, "not-installed", "See what an audit without selection shows."},
+    {group_dropped, error, "group-dropped", "Name all groups in one -pci-id, separated by commas."},
+    {no_row, error, "no-row", "Add such a row, or leave the controller out."},
+    {names_differ, error, "names-differ", "Correct it to a prefix of what the port reports."},
+    {many_flashes, error, "many-flashes", "Select its flash port, and let it fit a row itself."},
+    {flash_refused, error, "flash-refused", "Shorten the names of the image and its directories."},
+    {image_missing, error, "image-missing", "Put the image there, or correct its name in the row."},
+    {image_ambiguous, error, "image-ambiguous", "Leave only one file there whose name fits."},
+    {output_incomplete, error, "output-incomplete", "Run cnatool again, or ask the tool by hand."},
+    {lun_unjudged, error, "lun-unjudged", "Allow this storage in the row, or take the LUN away."},
+    {row_zero_id, error, "row-zero-id", "Fill it in; only both subsystem ids together may be 0."},
+    {row_bars, error, "row-bars", "Put a blank between the two bars."},
+    {row_long, error, "row-long", "Split the row into several shorter ones."},
+    {no_storage, warning, "no-storage", "See whether link, zoning and mapping are as wanted."},
+    {not_on_chain, warning, "not-on-chain", "Compare its storage with the table by hand."},
+    {output_old, warning, "output-old", "Run cnatool again, for outputs of one run."},
+    {directory_missing, warning, "directory-missing",
+     "Make it, or keep the images beside the table."},
+    {ids_differ, warning, "ids-differ", "To flash it, add a row with all four identifiers."},
+    {port_skipped, warning, "port-skipped", "See why the management tool gives no serial number."},
+    {row_unreachable, warning, "row-unreachable", "Join it with the earlier row, or correct it."},
+    {row_hidden, warning, "row-hidden", "Begin it with a number sign, or take the sign out."},
+    {row_products, warning, "row-products", "See whether all products of that vendor are meant."},
+    {row_empty, note, "row-empty", "Take the line out, or begin it with a number sign."},
+    {row_bytes, note, "row-bytes", "Compare the texts with the management tool's, by byte."},
+    {accept_unused, note, "accept-unused", "Take the entry out of --accept."},
 };
 
-const code_row& row_of(finding_code code) { return code_rows.at(static_cast<std::size_t>(code)); }
+constexpr bool stands_in_order() {
+    for (std::size_t i = 0; i < std::size(code_rows); ++i) {
+        if (code_rows[i].code != static_cast<finding_code>(i)) {
+            return false;
+        }
+    }
+    return std::size(code_rows) == static_cast<std::size_t>(finding_code::count);
+}
+static_assert(stands_in_order(), "each code has its row, in the order of finding_code");
 
-finding found(finding_code code, std::string what) {
-    finding result{};
-    result.code = code;
-    result.what = std::move(what);
-    result.advice = row_of(code).advice;
-    return result;
+const code_row& row_of(finding_code code) { return code_rows[static_cast<std::size_t>(code)]; }
+
+bool accepts(const accepted_finding& accepted, const finding& found) {
+    return accepted.code == found.code &&
+           (!accepted.place || *accepted.place == name_of(found.place));
 }
 
 }  // namespace
 
-const char* name_of(finding_code code) { return row_of(code).name; }
+finding_place at_word(std::string word) { return {.word = std::move(word)}; }
+
+finding_place at_controller(const hba_info& port) { return {.serial = port.SerialNo}; }
+
+finding_place at_port(const hba_info& port) {
+    return {.serial = port.SerialNo, .port = port_name(port)};
+}
+
+finding_place in_file(std::string path, int line, int piece) {
+    return {.file = std::move(path), .line = line, .piece = piece == line ? 0 : piece};
+}
+
+finding_place at_row(const fc_config_file_entry& row) {
+    return in_file(pHBAConditionsPath, row.line, row.piece);
+}
+
+std::string name_of(const finding_place& place) {
+    if (!place.word.empty()) {
+        return place.word;
+    }
+    if (!place.file.empty()) {
+        const std::string name = place.file.substr(place.file.rfind('/') + 1);
+        return place.line > 0 ? name + ":" + std::to_string(place.line) : name;
+    }
+    return place.port.empty() ? place.serial : place.serial + " " + place.port;
+}
 
 std::string port_name(const hba_info& port) {
-    return std::string(port.PCIFunction) + "/" + port.PortNumber;
+    return fill_in("%s/%s", port.PCIFunction, port.PortNumber);
 }
 
-std::string file_name_of(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+const char* name_of(finding_code code) { return row_of(code).name; }
 
-std::string place_of(const finding& found) {
-    if (!found.group.empty()) {
-        return found.group;
+const char* name_of(severity weight) {
+    constexpr const char* names[] = {"error", "warning", "note"};
+    return names[static_cast<std::size_t>(weight)];
+}
+
+finding& add_finding(finding_list& findings, finding_code code, finding_place place,
+                     std::string what) {
+    const code_row& row = row_of(code);
+    return findings.emplace_back(
+        finding{code, row.weight, std::move(place), std::move(what), row.advice});
+}
+
+std::optional<std::string_view> read_accepted(std::string_view list,
+                                              std::vector<accepted_finding>& accepted) {
+    for (std::size_t end = 0; end != std::string_view::npos; list.remove_prefix(end + 1)) {
+        end = list.find(',');
+        const std::string_view entry = list.substr(0, end);
+        const std::size_t at = entry.find('@');
+        const auto* row = std::ranges::find(code_rows, entry.substr(0, at), &code_row::name);
+        if (row == std::end(code_rows)) {
+            return entry.substr(0, at);
+        }
+        accepted.push_back({std::string(entry), row->code, std::nullopt});
+        if (at != std::string_view::npos) {
+            accepted.back().place = entry.substr(at + 1);
+        }
+        if (end == std::string_view::npos) {
+            break;
+        }
     }
-    if (!found.file.empty()) {
-        const std::string name = file_name_of(found.file);
-        return found.line > 0 ? name + ":" + std::to_string(found.line) : name;
+    return std::nullopt;
+}
+
+void accept_findings(const std::vector<accepted_finding>& accepted, finding_list& findings) {
+    for (const accepted_finding& each : accepted) {
+        bool is_used = false;
+        for (finding& found : findings) {
+            if (accepts(each, found)) {
+                found.accepted = is_used = true;
+            }
+        }
+        if (!is_used) {
+            add_finding(findings, accept_unused, at_word(each.entry), "there is no such finding.");
+        }
     }
-    return found.port.empty() ? found.serial : found.serial + " " + found.port;
 }
 
-finding found_at_group(finding_code code, std::string group, std::string what) {
-    finding result = found(code, std::move(what));
-    result.group = std::move(group);
-    return result;
-}
-
-finding found_in_file(finding_code code, std::string path, std::string what) {
-    finding result = found(code, std::move(what));
-    result.file = std::move(path);
-    return result;
-}
-
-finding found_at_port(finding_code code, const hba_info& port, std::string what) {
-    finding result = found_at_controller(code, port, std::move(what));
-    result.port = port_name(port);
-    return result;
-}
-
-finding found_at_controller(finding_code code, const hba_info& port, std::string what) {
-    finding result = found(code, std::move(what));
-    result.serial = port.SerialNo;
-    return result;
-}
-
-finding found_at_row(finding_code code, const fc_config_file_entry& row, std::string what) {
-    finding result = found_in_file(code, pHBAConditionsPath, std::move(what));
-    result.line = row.line;
-    return result;
-}
+bool counts(const finding& found) { return !found.accepted && found.weight != severity::note; }

@@ -1,57 +1,113 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <set>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "conditions/conditions_file.h"
 #include "inventory/port_records.h"
 
-/// What can be found, in the order in which a report lists it.
+/// How much a finding weighs: a job fails, does the wrong thing, or judges less than was asked for;
+/// the answer is weaker than it looks; it is worth knowing, and never counts.
+enum class severity : std::uint8_t { error, warning, note };
+
+/// What can be found, in the order in which a report lists the findings of one severity.
 enum class finding_code : std::uint8_t {
     not_installed,
+    group_dropped,
     no_row,
-    ids_differ,
     names_differ,
-    no_storage,
-    not_on_chain,
     many_flashes,
     flash_refused,
     image_missing,
-    directory_missing,
     image_ambiguous,
     output_incomplete,
+    lun_unjudged,
+    row_zero_id,
+    row_bars,
+    row_long,
+    no_storage,
+    not_on_chain,
     output_old,
+    directory_missing,
+    ids_differ,
+    port_skipped,
     row_unreachable,
-    row_odd,
+    row_hidden,
+    row_products,
+    row_empty,
+    row_bytes,
+    accept_unused,
+    count,
 };
 
-/// One thing that an answer of the tool does not say, and where it is.
+/// Where a finding is: a group or another word of the call, a port, a controller, or a file.
+struct finding_place {
+    std::string word = {};
+    std::string serial = {};  ///< serial number of the controller; empty: none
+    std::string port = {};    ///< function and number of the port; empty: none
+    std::string file = {};    ///< full path; empty: the place is no file
+    int line = 0;             ///< of the table, from 1; 0: the whole file
+    int piece = 0;            ///< its number in messages of the tool; 0: the same
+};
+
+/// What a report is about: all, or the controllers that a selection concerns.
+struct audit_scope {
+    bool all = false;
+    std::set<std::string> serials;                              ///< of the controllers
+    std::set<std::pair<std::int32_t, std::int32_t>> model_ids;  ///< their vendor and device ids
+};
+
+/// One thing that an answer of the tool does not say, and its place.
 struct finding {
     finding_code code;
+    severity weight;
+    finding_place place;
     std::string what;    ///< what is the matter
     std::string advice;  ///< what to do about it
-    std::string group;   ///< the selected group, where the place is none of the following
-    std::string serial;  ///< serial number of the controller; empty: the place is none
-    std::string port;    ///< function and number of the port; empty: the place is none
-    std::string file;    ///< full path; empty: the place is no file
-    int line = 0;        ///< of the table, from 1; 0: the whole file
+    bool accepted = false;
 };
 
-/// The name by which a code is known.
-const char* name_of(finding_code code);
+using finding_list = std::vector<finding>;
+
+finding_place at_word(std::string word);
+finding_place at_controller(const hba_info& port);
+finding_place at_port(const hba_info& port);
+finding_place in_file(std::string path, int line = 0, int piece = 0);
+finding_place at_row(const fc_config_file_entry& row);
+
+/// The place in short, as reports and --accept have it.
+std::string name_of(const finding_place& place);
 
 /// "function/number", by which a controller's ports are told apart.
 std::string port_name(const hba_info& port);
 
-/// What `path` names within its directory.
-std::string file_name_of(const std::string& path);
+/// The names by which they are known.
+const char* name_of(finding_code code);
+const char* name_of(severity weight);
 
-/// The place in short: group, file and line, or serial number and port.
-std::string place_of(const finding& found);
+/// Adds a finding with the severity and the advice of its code.
+finding& add_finding(finding_list& findings, finding_code code, finding_place place,
+                     std::string what);
 
-// A finding with this place, and the advice that is usual for its code.
-finding found_at_group(finding_code code, std::string group, std::string what);
-finding found_in_file(finding_code code, std::string path, std::string what);
-finding found_at_port(finding_code code, const hba_info& port, std::string what);
-finding found_at_controller(finding_code code, const hba_info& port, std::string what);
-finding found_at_row(finding_code code, const fc_config_file_entry& row, std::string what);
+/// What the caller accepts: all findings of a code, or those at one place.
+struct accepted_finding {
+    std::string entry;  ///< as typed
+    finding_code code;
+    std::optional<std::string> place;  ///< none: everywhere
+};
+
+/// Reads "CODE[@PLACE],..." and puts it behind `accepted`. Gives the text that should be a code and
+/// is none; nothing if there is no such text.
+std::optional<std::string_view> read_accepted(std::string_view list,
+                                              std::vector<accepted_finding>& accepted);
+
+/// Marks the findings that are accepted, and adds one for each entry that fits none.
+void accept_findings(const std::vector<accepted_finding>& accepted, finding_list& findings);
+
+/// Whether the finding keeps an audit from ending with 0.
+bool counts(const finding& found);

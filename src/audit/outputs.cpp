@@ -1,223 +1,173 @@
 #include "audit/outputs.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
+#include <cstdint>
 #include <initializer_list>
-#include <set>
-#include <string>
-#include <string_view>
-#include <tuple>
+#include <limits>
 
-#include "audit/progress.h"
+#include "audit/diagnostics.h"
 #include "base/lines.h"
 #include "base/list.h"
-#include "inventory/port_attributes.h"
 #include "inventory/port_list.h"
+#include "inventory/port_outputs.h"
 #include "inventory/port_query.h"
-#include "inventory/target_mapping.h"
+#include "tool/output_files.h"
+#include "tool/tool_search.h"
 
 namespace {
 
 using std::string_view;
 
-/// What can be told of an open output without reading it line by line.
-struct output_facts {
-    timespec written;
-    bool empty;
-    bool ends_in_newline;
-    std::string start;  // its first characters, among which a head line stands
-};
+constexpr std::int64_t second = 1'000'000'000;  // in nanoseconds
+constexpr char truncated[] = "it is truncated: the last line has no newline.";
 
-output_facts facts_of(const input_file& file) {
-    constexpr std::size_t start_width = 4096;
-    const int descriptor = fileno(file.stream.get());
-    struct stat status {};
-    output_facts facts{};
-    facts.empty = fstat(descriptor, &status) != 0 || status.st_size == 0 || S_ISDIR(status.st_mode);
-    facts.written = status.st_mtim;
-    char last = '\0';
-    facts.ends_in_newline =
-        !facts.empty && pread(descriptor, &last, 1, status.st_size - 1) == 1 && last == '\n';
-    facts.start.resize(start_width);
-    const ssize_t length = pread(descriptor, facts.start.data(), start_width, 0);
-    facts.start.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
-    return facts;
+// A run would not ask for the output, and end with the status.
+void judge_command(const tool_command& command, const char* status, output_record& record) {
+    if (is_too_long(command) || !command.unsafe_value.empty()) {
+        record.concerns_all = true;
+        record.fault = fill_in("a run does not ask for it, and ends with status %s: %s.", status,
+                               is_too_long(command) ? "its command is too long"
+                                                    : fill_in("'%s' is not passed to the shell",
+                                                              command.unsafe_value));
+    }
 }
-
-bool is_before(const timespec& a, const timespec& b) {
-    return std::tie(a.tv_sec, a.tv_nsec) < std::tie(b.tv_sec, b.tv_nsec);
-}
-
-bool one_is_empty(std::initializer_list<string_view> fields) {
-    return std::ranges::any_of(fields, &string_view::empty);
-}
-
-bool lacks_ids(const hba_attributes_entry& ids) {
-    return std::min({ids.vendor_id, ids.device_id, ids.subvendor_id, ids.subdevice_id}) < 0 ||
-           one_is_empty({ids.VendorSpecID, ids.DeviceID, ids.SubVendorID, ids.SubDeviceID});
-}
-
-bool lacks_names(const target_mapping_entry& target) {
-    return one_is_empty({target.VendorID, target.ProductID});
-}
-
-bool lacks_values(const hba_info& port) {
-    return one_is_empty({port.SerialNo}) ||
-           (has_serial_number(port) &&
-            one_is_empty({port.Mfg, port.PortNumber, port.PCIFunction, port.PortType, port.Model}));
-}
-
-// How an output about a port is read, and what it must hold.
-struct port_output {
-    const char* file_name;
-    exit_status (*read)(const input_file& file, hba_info& port);
-    bool (*lacks_head)(const hba_info& port, const output_facts& facts);
-    bool (*lacks_values)(const hba_info& port);
-    const char* values;
-};
-
-constexpr port_output attributes_output{
-    .file_name = attributes_file_name,
-    .read = [](const input_file& file,
-               hba_info& port) { return read_port_attributes(file, port, ""); },
-    .lacks_head = [](const hba_info& port,
-                     const output_facts& /*facts*/) { return port.attributes == nullptr; },
-    .lacks_values = [](const hba_info& port) { return lacks_ids(*port.attributes); },
-    .values = "its four identifiers are not all there: it fits no selection, or the wrong row.",
-};
-
-constexpr port_output mapping_output{
-    .file_name = mapping_file_name,
-    .read = [](const input_file& file, hba_info& port) { return read_target_mapping(file, port); },
-    .lacks_head =
-        [](const hba_info& /*port*/, const output_facts& facts) {
-            return !facts.start.starts_with("Target Mapping for") &&
-                   facts.start.find("\nTarget Mapping for") == std::string::npos;
-        },
-    .lacks_values =
-        [](const hba_info& port) {
-            return port.target_mapping != nullptr && lacks_names(*port.target_mapping);
-        },
-    .values = "vendor or product of the storage is missing in it.",
-};
 
 // The first fault of an output that was read; empty for a sound one.
-std::string fault_of(const port_output& kind, const hba_info& port, const output_facts& facts) {
-    if (facts.empty) {
+std::string fault_of(const port_output& kind, const hba_info& port, const mapping_facts& mapping,
+                     const file_form& form) {
+    if (form.is_empty) {
         return "it is empty: the management tool said nothing of this port.";
     }
-    if (kind.lacks_head(port, facts)) {
+    if (!kind.has_head(port, mapping)) {
         return "its head line is missing: this is no answer about the port.";
     }
-    if (!facts.ends_in_newline) {
-        return "it is cut: its last line has no end.";
-    }
-    return kind.lacks_values(port) ? kind.values : "";
+    return form.is_truncated ? truncated : kind.lacks_values(port) ? kind.values : "";
 }
 
-void note(std::vector<finding>& findings, finding_code code, const hba_info& port,
-          const std::string& path, const std::string& what) {
-    findings.push_back(found_at_port(code, port, what));
-    findings.back().file = path;
-}
-
-/// What goes on from output to output.
-struct reading {
-    timespec list_written;
-    std::set<std::string> paths;  // of the outputs read so far
-    std::vector<finding>& findings;
-};
-
-void judge_output(const port_output& kind, const hba_info& port, const std::string& path,
-                  const output_facts& facts, reading& state) {
-    std::string fault = fault_of(kind, port, facts);
-    if (!state.paths.insert(path).second) {
-        fault = "ports share it: it holds the answer about the last one alone.";
-    }
-    if (!fault.empty()) {
-        note(state.findings, finding_code::output_incomplete, port, path, fault);
-    }
-    if (is_before(facts.written, state.list_written)) {
-        note(state.findings, finding_code::output_old, port, path,
-             "it is older than the port list, so of an earlier run.");
+void keep_other_luns(const hba_info& port, mapping_facts& mapping, output_facts& facts) {
+    std::erase_if(mapping.luns, [&](const target_mapping_entry& lun) {
+        return lun.VendorID[0] == '\0' || lun.ProductID[0] == '\0' ||
+               (string_view(lun.VendorID) == port.target_mapping->VendorID &&
+                string_view(lun.ProductID) == port.target_mapping->ProductID);
+    });
+    if (!mapping.luns.empty()) {
+        facts.luns.emplace(&port, std::move(mapping.luns));
     }
 }
 
-exit_status read_output(const port_output& kind, hba_info& port, reading& state) {
-    const std::string path = output_path(port, kind.file_name);
-    now_reading(path);
-    const input_file file = open_for_reading(path);
+exit_status read_output(const port_output& kind, hba_info& port, const input_file& file,
+                        output_record& record, output_facts& facts) {
     if (file.stream == nullptr) {
-        note(state.findings, finding_code::output_incomplete, port, path,
-             "it is missing: a run with --simulate ends with status 51 here.");
+        record.fault = "it is missing: a run with --simulate ends with status 51 here.";
         return RET_OK;
     }
-    const exit_status status = kind.read(file, port);
+    mapping_facts mapping;
+    const exit_status status = kind.read(file, port, mapping);
     if (status == STATUS_OUTPUT_FILE_MISSING) {
-        note(state.findings, finding_code::output_incomplete, port, path,
-             "it cannot be read to its end: a run with --simulate ends with status 51 here.");
+        record.fault = "it cannot be read to its end: a run with --simulate ends with status 51.";
         return RET_OK;
     }
-    if (status == RET_OK) {
-        judge_output(kind, port, path, facts_of(file), state);
+    const file_form form = form_of(file);
+    record.written = form.written;
+    record.may_be_old = !is_of_type(port, "FC");  // A run looks at no plain FC port.
+    if (status == RET_OK && record.may_be_old) {
+        record.fault = fault_of(kind, port, mapping, form);
+        keep_other_luns(port, mapping, facts);
     }
     return status;
 }
 
-// The first fault of the port list, whose ports have been read; empty for a sound one.
-std::string fault_of_list(const output_facts& facts) {
+exit_status add_output(const port_output& kind, hba_info& port, output_facts& facts) {
+    output_record record{.place = at_port(port)};
+    std::string& path = record.place.file;
+    path = output_path(port, kind.file_name);
+    now_reading(path);
+    const bool is_shared = !facts.paths.insert(path).second;
+    const exit_status status = read_output(kind, port, open_output(path), record, facts);
+    if (is_shared && record.may_be_old) {
+        record.concerns_all = true;
+        record.fault = "ports share it: it holds the answer about the last one alone.";
+    }
+    judge_command(kind.compose(port, longest_tool_place()), "51", record);
+    facts.records.push_back(std::move(record));
+    return status;
+}
+
+// The ports of the list have been read.
+void judge_list(const input_file& file, output_facts& facts) {
     const auto ports = entries(p_hba_info_list);
-    if (facts.empty) {
-        return "it is empty: the management tool listed nothing.";
+    const file_form form = form_of(file);
+    facts.list.written = form.written;
+    if (form.is_empty || form.is_truncated) {
+        facts.list.fault =
+            form.is_empty ? "it is empty: the management tool listed nothing." : truncated;
+    } else if (ports.empty()) {
+        facts.list.fault = "it lists no port: a run ends with status 13 here.";
     }
-    if (!facts.ends_in_newline) {
-        return "it is cut: its last line has no end.";
-    }
-    if (ports.empty()) {
-        return "it lists no port: a run ends with status 13 here.";
-    }
-    return std::ranges::any_of(ports, [](const hba_info* port) { return lacks_values(*port); })
-               ? "the block of a port lacks a value that cnatool goes by."
-               : "";
-}
-
-void judge_port_list(const output_facts& facts, std::vector<finding>& findings) {
-    const std::string fault = fault_of_list(facts);
-    if (!fault.empty()) {
-        findings.push_back(found_in_file(finding_code::output_incomplete, port_list_path(), fault));
+    judge_command(compose_listing(longest_tool_place()), "55", facts.list);
+    for (const hba_info* port : ports) {
+        if (lacks_list_values(*port)) {
+            facts.incomplete.emplace_back(port->SerialNo);
+        }
     }
 }
 
-exit_status read_outputs_of(hba_info& port, reading& state) {
-    if (!has_serial_number(port)) {
-        return RET_OK;  // Its outputs are not read by a run either.
+// The time before which an output is old. Behind a copy all outputs are of one time.
+std::int64_t start_of_run(const output_facts& facts) {
+    std::int64_t first = std::numeric_limits<std::int64_t>::max();
+    std::int64_t last = 0;
+    for (const output_record& each : facts.records) {
+        first = each.written < 0 ? first : std::min(first, each.written);
+        last = std::max(last, each.written);
     }
-    const exit_status status = read_output(attributes_output, port, state);
-    return status != RET_OK || !is_fc_or_fcoe(port) ? status
-                                                    : read_output(mapping_output, port, state);
+    return last - first <= second ? 0 : facts.list.written - second + 1;
 }
 
 }  // namespace
 
-exit_status read_outputs(std::vector<finding>& findings) {
-    now_reading(port_list_path());
-    const input_file file = open_for_reading(port_list_path());
-    if (file.stream == nullptr) {
-        return STATUS_OUTPUT_FILE_MISSING;
-    }
-    if (const exit_status status = read_port_list(file)) {
+exit_status read_outputs(output_facts& facts) {
+    facts.list.place = in_file(port_list_path());
+    now_reading(facts.list.place.file);
+    const input_file file = open_output(facts.list.place.file);
+    exit_status status = file.stream == nullptr ? STATUS_OUTPUT_FILE_MISSING : read_port_list(file);
+    if (status != RET_OK) {
         return status;
     }
     be_silent();
-    const output_facts facts = facts_of(file);
-    judge_port_list(facts, findings);
-    reading state{.list_written = facts.written, .paths = {}, .findings = findings};
+    judge_list(file, facts);
     for (hba_info* port : entries(p_hba_info_list)) {
-        if (const exit_status status = read_outputs_of(*port, state)) {
-            return status;
+        // The outputs about a port without a serial number are not read by a run either.
+        for (const port_output* kind : {&attributes_output, &mapping_output}) {
+            const bool is_asked = kind == &attributes_output || is_fc_or_fcoe(*port);
+            if (status == RET_OK && has_serial_number(*port) && is_asked) {
+                status = add_output(*kind, *port, facts);
+            }
         }
     }
-    return RET_OK;
+    return status;
+}
+
+void judge_outputs(const output_facts& facts, const audit_scope& scope, finding_list& findings) {
+    const auto concerns = [&](const std::string& serial) {
+        return scope.all || serial.empty() || scope.serials.contains(serial);
+    };
+    if (!facts.list.fault.empty()) {
+        add_finding(findings, finding_code::output_incomplete, facts.list.place, facts.list.fault);
+    } else if (std::ranges::any_of(facts.incomplete, concerns)) {
+        add_finding(findings, finding_code::output_incomplete, facts.list.place,
+                    "the block of a port lacks a value that cnatool goes by.");
+    }
+    const std::int64_t start = start_of_run(facts);
+    for (const output_record& each : facts.records) {
+        if (!each.concerns_all && !concerns(each.place.serial)) {
+            continue;
+        }
+        if (!each.fault.empty()) {
+            add_finding(findings, finding_code::output_incomplete, each.place, each.fault);
+        }
+        if (each.may_be_old && each.written < start) {
+            add_finding(findings, finding_code::output_old, each.place,
+                        "it is older than the port list, so of an earlier run.");
+        }
+    }
 }

@@ -1,12 +1,39 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "audit/findings.h"
 #include "base/exit_status.h"
+#include "inventory/port_records.h"
 
-/// Reads the outputs that a run has left into p_hba_info_list, as --simulate does but without
-/// composing a command, and notes what is missing in them or older than the port list. An output
-/// about one port that cannot be read leaves that port without it. Gives 0, 51 without a
-/// readable port list, 54.
-exit_status read_outputs(std::vector<finding>& findings);
+/// What is to be said of an output file.
+struct output_record {
+    finding_place place = {};
+    std::string fault = {};  ///< empty for a sound one
+    bool concerns_all =
+        false;  ///< whatever the selection: a run ends here, or what it says is lost
+    std::int64_t written = -1;  ///< in nanoseconds; below 0: it could not be read
+    bool may_be_old = false;    ///< where it was written before the list
+};
+
+/// What outputs hold beside the ports.
+struct output_facts {
+    output_record list;
+    std::vector<std::string> incomplete;  ///< serial numbers where the list lacks a value
+    std::vector<output_record> records;
+    std::unordered_set<std::string> paths;  ///< of these
+    /// LUNs whose vendor or product is not that of the port's storage, the last LUN's.
+    std::unordered_map<const hba_info*, std::vector<target_mapping_entry>> luns;
+};
+
+/// Reads the outputs that a run has left into p_hba_info_list, as --simulate does. An output about
+/// one port that cannot be read leaves that port without it. Gives 0, 51 without a readable port
+/// list, 54.
+exit_status read_outputs(output_facts& facts);
+
+/// Notes what is missing in the outputs or older than the port list.
+void judge_outputs(const output_facts& facts, const audit_scope& scope, finding_list& findings);

@@ -1,227 +1,183 @@
-#include "audit/table_lint.h"
-
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <map>
-#include <span>
-#include <string>
-#include <string_view>
-#include <tuple>
 
+#include "audit/survey.h"
 #include "base/lines.h"
 #include "base/list.h"
 #include "base/text.h"
 #include "call/paths.h"
-#include "inventory/management_tool.h"
+#include "conditions/table_rows.h"
 
 namespace {
 
+using enum finding_code;
 using std::string_view;
 using row_entry = fc_config_file_entry;
 
-// --- a line as it stands in the file ------------------------------------------------------
-
-bool has_byte_beyond_ascii(string_view line) {
-    return std::any_of(line.begin(), line.end(),
-                       [](char c) { return static_cast<unsigned char>(c) > 0x7F; });
+bool is_of_model(const row_entry& row, const audit_scope& scope) {
+    return scope.all || scope.model_ids.contains({row.vendor_id, row.device_id});
 }
 
-struct line_oddity {
-    bool (*is_odd)(string_view line);
+// Columns that have moved, or an identifier that is missing, may hide that the row is of the model.
+bool may_be_of_model(const row_entry& row, string_view text, const audit_scope& scope) {
+    const std::vector<std::int32_t> ids = ids_in(text);
+    const auto holds = [&](std::int32_t id) { return std::ranges::count(ids, id) > 0; };
+    return std::ranges::any_of(scope.model_ids, [&](const auto& model) {
+        const auto [vendor, device] = model;
+        return (holds(vendor) && holds(device)) ||
+               (row.vendor_id == 0 && row.device_id == device) ||
+               (row.device_id == 0 && row.vendor_id == vendor);
+    });
+}
+
+// Unless its third and fourth column name another model.
+bool may_hide_model(string_view text, const audit_scope& scope) {
+    const std::vector<std::int32_t> ids = ids_in(text);
+    return scope.all || ids.size() < 4 || ids[2] < 0 || ids[3] < 0 ||
+           scope.model_ids.contains({ids[2], ids[3]});
+}
+
+struct byte_kind {
+    bool (*holds)(string_view text);
     const char* what;
-    const char* advice;
 };
 
-constexpr line_oddity line_oddities[] = {
-    {[](string_view line) { return line.find("||") != string_view::npos; },
-     "two bars stand together and count as one: all columns behind them move to the left.",
-     "Put a blank between the two bars."},
-    {[](string_view line) { return line.find('\r') != string_view::npos; },
-     "it holds a carriage return, which stays in its column.",
-     "Write the file with line ends of a newline alone."},
-    {has_byte_beyond_ascii, "it holds a character beyond ASCII.",
-     "Compare the text with what the management tool prints, byte by byte."},
+constexpr byte_kind byte_kinds[] = {
+    {[](string_view text) { return text.find('\r') != string_view::npos; },
+     "carriage returns stay in the last column"},
+    {[](string_view text) {
+         return std::ranges::any_of(text, [](unsigned char c) { return c > 0x7F; });
+     },
+     "there are characters beyond ASCII"},
 };
 
-// --- a row as it was read -----------------------------------------------------------------
+/// A line of the table as it grows piece by piece.
+struct table_line {
+    std::string text;
+    finding_place place;
+    int pieces = 0;
+    int comments = 0;  // among the pieces
+};
 
-// A row that goes on behind its names has a vendor id, or it is not read at all.
-bool is_empty(const row_entry& row) {
-    return is_blank(row.vendor) && is_blank(row.model) && row.vendor_id_text[0] == '\0';
-}
+/// What is known of the table so far.
+struct table_state {
+    const audit_scope& scope;
+    finding_list& findings;
+    table_line line;
+    std::array<std::string, std::size(byte_kinds)> lines_with;  // numbers
+    std::map<std::array<std::int32_t, 4>, std::vector<const row_entry*>> earlier;
+};
 
-// Without subsystem identifiers, 0 in both, a row serves a selection by two.
-bool has_zero_id(const row_entry& row) {
-    return row.vendor_id == 0 || row.device_id == 0 ||
-           (row.subvendor_id == 0) != (row.subdevice_id == 0);
-}
-
-bool names_all_and_some_products(const row_entry& row) {
-    bool all = false;
-    bool some = false;
-    for (const fc_periphery_info* triple = row.periphery_list; triple != nullptr;
-         triple = triple->next) {
-        if (!is_blank(triple->vendor)) {
-            (triple->product_list[0] == '\0' ? all : some) = true;
-        }
+void compare_with_earlier(const row_entry& row, table_state& state) {
+    auto& rows = state.earlier[{row.vendor_id, row.device_id, row.subvendor_id, row.subdevice_id}];
+    if (!rows.empty()) {
+        const auto before = std::ranges::find_if(
+            rows, [&](const row_entry* each) { return has_wider_names(*each, row); });
+        const bool is_all = before != rows.end();
+        add_finding(
+            state.findings, row_unreachable, at_row(row),
+            fill_in("line %s has the same identifiers%s",
+                    std::to_string((is_all ? *before : rows.front())->line),
+                    is_all
+                        ? ", and its names are prefixes of this row's: this one changes no answer."
+                        : ": a flash goes by that one, and only a check comes to this one."));
     }
-    return all && some;
+    rows.push_back(&row);
 }
 
-struct row_oddity {
-    bool (*is_odd)(const row_entry& row);
-    const char* what;
-    const char* advice;
-};
-
-constexpr row_oddity row_oddities[] = {
-    {has_zero_id, "one of its identifiers is 0, which is no controller's.",
-     "Fill in the identifier; only both subsystem identifiers together may be 0."},
-    {names_all_and_some_products,
-     "a storage vendor without products, all of which are allowed, stands beside one with them.",
-     "See whether all products of that vendor are meant."},
-};
-
-constexpr row_oddity empty_row{is_empty, "it is an empty row.",
-                               "Take the line out, or let it begin with a number sign."};
-
-// The columns by which something is decided. A text in one that fills it may have been cut to fit.
-struct column {
-    const char* name;
-    std::span<char> (*field)(row_entry& row);
-};
-
-constexpr column columns[] = {
-    {"vendor", text_of<&row_entry::vendor>},
-    {"model", text_of<&row_entry::model>},
-    {"vendor id", text_of<&row_entry::vendor_id_text>},
-    {"device id", text_of<&row_entry::device_id_text>},
-    {"subvendor id", text_of<&row_entry::subvendor_id_text>},
-    {"subdevice id", text_of<&row_entry::subdevice_id_text>},
-    {"directory", text_of<&row_entry::firmware_dir>},
-    {"firmware", text_of<&row_entry::firmware_file>},
-    {"BIOS", text_of<&row_entry::bios_file>},
-};
-
-bool is_full(std::span<const char> field) { return std::strlen(field.data()) == field.size() - 1; }
-
-void note_odd(std::vector<finding>& findings, const row_entry& row, const std::string& what,
-              const char* advice) {
-    findings.push_back(found_at_row(finding_code::row_odd, row, what));
-    findings.back().advice = advice;
-}
-
-void note_full(std::vector<finding>& findings, const row_entry& row, const std::string& name) {
-    note_odd(findings, row, fill_in("the column %s is filled to its last character.", {name}),
-             "See whether the text was cut to fit.");
-}
-
-void judge_widths(row_entry& row, std::vector<finding>& findings) {
-    for (const column& each : columns) {
-        if (is_full(each.field(row))) {
-            note_full(findings, row, each.name);
-        }
-    }
-    for (const fc_periphery_info* triple = row.periphery_list; triple != nullptr;
-         triple = triple->next) {
-        if (is_full(triple->vendor)) {
-            note_full(findings, row, "storage vendor");
-        }
-        if (is_full(triple->product_list)) {
-            note_full(findings, row, "products");
+void note_bytes(const row_entry& row, string_view text, table_state& state) {
+    for (std::size_t kind = 0; kind < std::size(byte_kinds); ++kind) {
+        if (byte_kinds[kind].holds(text)) {
+            std::string& lines = state.lines_with[kind];
+            lines += (lines.empty() ? "" : ", ") + std::to_string(row.line);
         }
     }
 }
 
-void judge_row(row_entry& row, string_view line, std::vector<finding>& findings) {
-    for (const line_oddity& oddity : line_oddities) {
-        if (oddity.is_odd(line)) {
-            note_odd(findings, row, oddity.what, oddity.advice);
-        }
-    }
+void judge_row(const row_entry& row, string_view text, table_state& state) {
     if (is_empty(row)) {
-        note_odd(findings, row, empty_row.what, empty_row.advice);
+        if (state.scope.all) {
+            add_finding(state.findings, row_empty, at_row(row), "it is an empty row.");
+        }
         return;
     }
-    for (const row_oddity& oddity : row_oddities) {
-        if (oddity.is_odd(row)) {
-            note_odd(findings, row, oddity.what, oddity.advice);
-        }
+    const bool is_meant = is_of_model(row, state.scope);
+    const bool may_be_meant = is_meant || may_be_of_model(row, text, state.scope);
+    if (may_be_meant && text.find("||") != string_view::npos) {
+        add_finding(state.findings, row_bars, at_row(row),
+                    "two bars stand together and count as one: all columns behind them move.");
     }
-    judge_widths(row, findings);
+    if (may_be_meant && has_zero_id(row)) {
+        add_finding(state.findings, row_zero_id, at_row(row),
+                    "one of its identifiers is 0, which is no controller's.");
+    }
+    if (!is_meant) {
+        return;
+    }
+    if (allows_all_and_some(row)) {
+        add_finding(state.findings, row_products, at_row(row),
+                    "one vendor stands in it with products and without: all are allowed.");
+    }
+    compare_with_earlier(row, state);
+    note_bytes(row, text, state);
 }
 
-// --- rows against each other --------------------------------------------------------------
-
-void find_repeated_rows(std::span<row_entry*> rows, std::vector<finding>& findings) {
-    using key = std::tuple<string_view, string_view, std::int32_t, std::int32_t, std::int32_t,
-                           std::int32_t>;
-    std::map<key, const row_entry*> earlier;
-    for (const row_entry* row : rows) {
-        if (is_empty(*row)) {
-            continue;
-        }
-        const auto [place, is_new] =
-            earlier.try_emplace({row->vendor, row->model, row->vendor_id, row->device_id,
-                                 row->subvendor_id, row->subdevice_id},
-                                row);
-        if (!is_new) {
-            findings.push_back(found_at_row(
-                finding_code::row_unreachable, *row,
-                fill_in("line %s has the same names and identifiers: where that one has judged or "
-                        "flashed, this row does nothing.",
-                        {std::to_string(place->second->line)})));
-        }
+// A line that has been read to its end.
+void judge_line(table_state& state) {
+    const table_line line = std::exchange(state.line, {});
+    if (!may_hide_model(line.text, state.scope)) {
+        return;
+    }
+    if (line.pieces > 1 && line.comments < line.pieces) {
+        add_finding(state.findings, row_long, line.place,
+                    fill_in("it is too long: it is read in %s pieces, each a row of its own.",
+                            std::to_string(line.pieces)));
+    }
+    const string_view what = line.comments == 0 ? "" : hidden_by(line.text);
+    if (!what.empty()) {
+        add_finding(state.findings, row_hidden, line.place,
+                    fill_in("the %s in it makes a comment of the whole line.", what));
     }
 }
 
-// What has made a comment of a line that was meant as a row; empty: nothing has.
-string_view hidden_by(string_view line) {
-    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
-    if (line.starts_with('#') || line.find('|') == string_view::npos) {
-        return {};
+void add_piece(const table_piece& piece, table_line& line) {
+    if (line.pieces++ == 0) {
+        line.place = in_file(pHBAConditionsPath, piece.line, piece.piece);
     }
-    if (line.find('#') != string_view::npos) {
-        return "number sign";
-    }
-    const bool is_rule = line.find_first_not_of("-+| \t\r\n") == string_view::npos;
-    return line.find("--+--") != string_view::npos && !is_rule ? "'--+--'" : "";
-}
-
-void note_line(std::vector<finding>& findings, int number, const std::string& what,
-               const char* advice) {
-    row_entry line{};
-    line.line = number;
-    note_odd(findings, line, what, advice);
+    line.text += piece.text;
+    line.comments += is_comment(piece.text) ? 1 : 0;
 }
 
 }  // namespace
 
-void judge_table(std::vector<finding>& findings) {
-    constexpr string_view byte_order_mark = "\xEF\xBB\xBF";
-    const std::span<row_entry*> rows = entries(fc_config_entry_list);
-    find_repeated_rows(rows, findings);
+void judge_table(const audit_scope& scope, finding_list& findings) {
     const input_file file = open_for_reading(pHBAConditionsPath);
     if (file.stream == nullptr) {
         return;
     }
+    table_state state{scope, findings, {}, {}, {}};
+    const auto rows = entries(fc_config_entry_list);
     auto row = rows.begin();
-    char buffer[line_width];
-    for (int number = 1; next_line(file, buffer); ++number) {
-        string_view line = buffer;
-        if (number == 1 && line.starts_with(byte_order_mark)) {
-            note_line(findings, number, "the file begins with a byte order mark.",
-                      "Write the file without it.");
-            line.remove_prefix(byte_order_mark.size());
+    for (table_piece piece; next_piece(file, piece);) {
+        const bool is_row = row != rows.end() && (*row)->piece == piece.piece;
+        if (piece.has_mark && (scope.all || (is_row && is_of_model(**row, scope)))) {
+            add_finding(findings, row_bytes, in_file(pHBAConditionsPath),
+                        "the file begins with a byte order mark.");
         }
-        if (row != rows.end() && (*row)->line == number) {
-            judge_row(**row, line, findings);
-            ++row;
-        } else if (const string_view what = hidden_by(line); !what.empty()) {
-            note_line(findings, number,
-                      fill_in("the %s in it makes a comment of the whole line.", {what}),
-                      "Begin the line with a number sign, or do without what makes the comment.");
+        if (is_row) {
+            judge_row(**row++, piece.text, state);
+        }
+        add_piece(piece, state.line);
+        if (piece.ends_line) {
+            judge_line(state);
+        }
+    }
+    judge_line(state);
+    for (std::size_t kind = 0; kind < std::size(byte_kinds); ++kind) {
+        if (!state.lines_with[kind].empty()) {
+            add_finding(findings, row_bytes, in_file(pHBAConditionsPath),
+                        fill_in("%s: lines %s.", byte_kinds[kind].what, state.lines_with[kind]));
         }
     }
 }

@@ -29,7 +29,7 @@ struct status_name {
     const char* name;
 };
 
-/// The statuses that callers are told of, by number.
+/// The statuses of the list that is printed, by number.
 std::span<const status_name> listed_statuses();
 
 /// The text of --show-return-codes behind its title.

@@ -9,17 +9,19 @@
 namespace {
 
 // A pipe or device in the place of a file could be read for ever.
-bool is_file_or_directory(int descriptor) {
+bool is_readable(int descriptor, directory_as directory) {
     struct stat status {};
-    return fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
+    return fstat(descriptor, &status) == 0 &&
+           (S_ISREG(status.st_mode) ||
+            (S_ISDIR(status.st_mode) && directory == directory_as::empty_file));
 }
 
 }  // namespace
 
-input_file open_for_reading(const std::string& path) {
+input_file open_for_reading(const std::string& path, directory_as directory) {
     input_file file{.stream = nullptr, .path = path};
     const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor >= 0 && is_file_or_directory(descriptor)) {
+    if (descriptor >= 0 && is_readable(descriptor, directory)) {
         file.stream.reset(fdopen(descriptor, "r"));
     }
     if (file.stream == nullptr) {
@@ -31,6 +33,18 @@ input_file open_for_reading(const std::string& path) {
     return file;
 }
 
+file_form form_of(const input_file& file) {
+    constexpr std::int64_t second = 1'000'000'000;
+    const int descriptor = fileno(file.stream.get());
+    struct stat status {};
+    const bool is_empty = fstat(descriptor, &status) != 0 || status.st_size == 0;
+    char last = '\0';
+    const bool has_last = !is_empty && pread(descriptor, &last, 1, status.st_size - 1) == 1;
+    return {.written = status.st_mtim.tv_sec * second + status.st_mtim.tv_nsec,
+            .is_empty = is_empty,
+            .is_truncated = !has_last || last != '\n'};
+}
+
 void print_not_opened(const std::string& path) {
     Print(1, "Error: Could not open file %s\n", path.c_str());
 }
@@ -39,7 +53,7 @@ bool next_line(const input_file& file, char (&line)[line_width]) {
     std::size_t length = 0;
     int c = 0;
     while (length < sizeof line - 1 && c != '\n' && (c = getc_unlocked(file.stream.get())) != EOF) {
-        // A NUL would hide what stands behind it. This stands in no name, and reaches no shell.
+        // A NUL would hide the text behind it. A question mark fits no name, and reaches no shell.
         line[length++] = c == '\0' ? '?' : static_cast<char>(c);
     }
     line[length] = '\0';

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -11,7 +12,7 @@ struct file_closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// A file open for reading, closed with its owner; without a stream where it could not be opened.
+/// A file open for reading, closed with its owner; without a stream if it could not be opened.
 struct input_file {
     std::unique_ptr<std::FILE, file_closer> stream;
     std::string path;  ///< for messages
@@ -19,9 +20,21 @@ struct input_file {
 
 inline constexpr std::size_t line_width = 1024;
 
-/// Opens a file for reading; a directory reads as an empty one. What cannot be opened, and a pipe
-/// or device, is reported at level 1 and gives a file without a stream.
-input_file open_for_reading(const std::string& path);
+/// What a directory in the place of a file means.
+enum class directory_as { no_file, empty_file };
+
+/// Opens a plain file for reading. What cannot be opened, and a pipe or device, is reported at
+/// level 1 and gives a file without a stream.
+input_file open_for_reading(const std::string& path,
+                            directory_as directory = directory_as::no_file);
+
+/// What can be told of an open file without reading it.
+struct file_form {
+    std::int64_t written;  ///< time of the last change, in nanoseconds
+    bool is_empty;
+    bool is_truncated;  ///< its last line has no newline
+};
+file_form form_of(const input_file& file);
 
 /// Says at level 1 that a file cannot be opened.
 void print_not_opened(const std::string& path);

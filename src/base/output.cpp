@@ -8,6 +8,8 @@
 #include <new>
 #include <string>
 
+#include "base/progress.h"
+#include "base/terminal.h"
 #include "base/text.h"
 
 int DebugLevel = 0;
@@ -19,8 +21,8 @@ namespace {
 
 std::FILE* debug_log = nullptr;
 
-// The log's directory is settled only after the command line has been read: what -d asks for
-// until then waits here.
+// The directory of the log is known only after the command line has been read. Until then this
+// keeps what -d asks for.
 std::string held_back;
 bool log_is_due = true;
 
@@ -38,7 +40,7 @@ std::FILE* open_plain_file(const char* path) {
     if (descriptor < 0) {
         return nullptr;
     }
-    // A second name of the file would be a way around the refusal of symbolic links.
+    // With a second name, another file could be written as through a symbolic link.
     struct stat status {};
     const bool usable = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
                         status.st_nlink == 1 && ftruncate(descriptor, 0) == 0;
@@ -77,7 +79,8 @@ int PrintDebug(int level, const char* text, std::FILE* stream) {
     } else if (PrintDebugOnScreen != 0 && DebugLevel != 0) {
         stream = stderr;
     }
-    std::fputs(buffer, stream);
+    take_progress_away();
+    write_text(buffer, stream);
     return 1;
 }
 
@@ -93,16 +96,24 @@ void Print(int level, const char* format, ...) {
     PrintDebug(level, text);
 }
 
+void print_error(const char* format, ...) {
+    char text[message_width];
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    take_progress_away();
+    write_text(text, stderr);
+}
+
 void print_out_of_memory() { Print(1, "Error: %s, Memory allocation failed!\n", program_name); }
 
-void open_debug_log(const char* directory) {
-    char path[message_width];
-    set_text(path, directory);
-    if (DebugLevel > 0 && append_text(path, "Servie_DLL.log")) {
+void open_debug_log(const char* path) {
+    if (DebugLevel > 0) {
         debug_log = open_plain_file(path);
     }
     if (debug_log != nullptr) {
-        // A long run can be followed in the log, and a killed one leaves what it said.
+        // So that a long run can be followed in the log, and the messages of a killed one stay.
         std::setvbuf(debug_log, nullptr, _IOLBF, 0);
         std::fputs(held_back.c_str(), debug_log);
     }

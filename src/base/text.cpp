@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "base/end_process.h"
+#include "base/output.h"
 
 namespace {
 
@@ -41,10 +41,10 @@ int string2int(char* text, int base) {
 
     char* end = nullptr;
     errno = 0;
-    const std::uint64_t value = std::strtoul(digits, &end, base);
+    const std::uint64_t value = std::strtoull(digits, &end, base);
     if (errno != 0) {
-        std::perror("strtoul");
-        // It has only the number of the status in common with this one.
+        print_error("strtoul: %s\n", std::strerror(errno));
+        // Another meaning of the same number.
         end_process(RET_NOT_CTRL_WIDE_IDENTICAL);
     }
     if (*end != '\0') {
@@ -78,6 +78,16 @@ bool append_text(std::span<char> field, std::string_view value) {
     return true;
 }
 
+std::string fill_places(std::string_view format, std::span<const std::string_view> values) {
+    std::string text;
+    for (const std::string_view value : values) {
+        const std::size_t place = format.find("%s");
+        text.append(format.substr(0, place)).append(value);
+        format.remove_prefix(place + 2);
+    }
+    return text.append(format);
+}
+
 std::optional<std::string_view> next_part(std::string_view& rest, char separator) {
     const std::size_t start = rest.find_first_not_of(separator);
     if (start == std::string_view::npos) {
@@ -89,6 +99,10 @@ std::optional<std::string_view> next_part(std::string_view& rest, char separator
     const std::string_view part = rest.substr(0, length);
     rest.remove_prefix(length);
     return part;
+}
+
+bool holds_blank(std::string_view value) {
+    return value.find_first_of(" \t") != std::string_view::npos;
 }
 
 bool is_blank(std::string_view value) {

@@ -21,8 +21,11 @@ outcome refuse(const char* text) {
     return RET_BAD_CALL;
 }
 
+// Empty, or an option in the place of the value.
+bool is_no_value(std::string_view value) { return value.empty() || value.starts_with('-'); }
+
 bool is_bad_value(std::string_view value) {
-    return value.empty() || value.starts_with('-') || value.size() >= value_width;
+    return is_no_value(value) || value.size() >= value_width;
 }
 
 // --- the words ----------------------------------------------------------------------------
@@ -48,7 +51,7 @@ bool is_verbose_word(std::string_view element, std::string_view /*word*/) {
 
 // --- first and second pass: the output switches -------------------------------------------
 
-/// Options that the rules behind the third pass hold against each other.
+/// Options that the rules behind the third pass compare.
 enum mark : unsigned {
     mark_v = 1U << 0U,
     mark_d = 1U << 1U,
@@ -87,7 +90,7 @@ const level_option level_options[] = {
 // `value` is null behind the last element.
 outcome read_level(const level_option& option, std::string_view element, const char* value) {
     if ((element != option.word && element != option.long_word) || value == nullptr ||
-        is_bad_value(value)) {
+        is_no_value(value)) {
         return refuse(option.refusal);
     }
     const int level = number_of(value, 10);
@@ -137,7 +140,7 @@ outcome second_pass(int argc, char** argv, unsigned& marks) {
 
 outcome settle_switches(unsigned marks) {
     if ((marks & mark_v) != 0 && (marks & mark_d) != 0) {
-        // The call is refused aloud, also under --silent.
+        // The refusal is printed, also under --silent.
         DebugLevel = 0;
         VerboseLevel = 1;
         PrintDebugOnScreen = 1;
@@ -211,7 +214,7 @@ outcome take_directory(const char* value) {
 struct option_row {
     std::string_view word;
     word_test fits;
-    outcome (*act)(const char* value);  // null: skipped with its level, which has been taken
+    outcome (*act)(const char* value);  // null: skipped with its level, which is read already
     unsigned mark = 0;
     const char* missing_value = nullptr;  // null: the option takes no value
     const char* bad_value = nullptr;

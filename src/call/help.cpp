@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr char version[] = "1.4.0.0";
+constexpr char version[] = CNATOOL_VERSION;
 
 constexpr char helpMessage_1[] =
     "\n"

@@ -24,7 +24,7 @@ bool set_directory(std::string_view directory) {
     return true;
 }
 
-void settle_temporary_directory() {
+void read_temporary_directory() {
     const char* value = std::getenv("TMPDIR");
     set_text(TEMPDIR_BUFFER, value == nullptr || *value == '\0' ? "/tmp" : value);
     if (value == nullptr) {
@@ -36,7 +36,7 @@ void settle_temporary_directory() {
     }
 }
 
-bool settle_paths(std::string_view called_as) {
+bool resolve_paths(std::string_view called_as) {
     if (pHBAConditionsPath[0] == '\0') {
         const std::size_t slash = called_as.rfind('/');
         char current[path_width];

@@ -16,9 +16,9 @@ extern char pHBAFlashCmdPath[path_width];    ///< the management tool; empty unt
 /// leaves no room for the name of the conditions file behind it.
 bool set_directory(std::string_view directory);
 
-/// Settles TEMPDIR_BUFFER and says so at level 3.
-void settle_temporary_directory();
+/// Fills TEMPDIR_BUFFER and says so at level 3.
+void read_temporary_directory();
 
-/// Settles the three paths: the directory set before, else the one of the tool's own path
-/// `called_as`, or the current directory where that holds no slash. False when there is no room.
-bool settle_paths(std::string_view called_as);
+/// Completes the three paths: from the directory set before, or else from the tool's own path
+/// `called_as`, or from the current directory if that has no slash. False when there is no room.
+bool resolve_paths(std::string_view called_as);

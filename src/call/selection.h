@@ -1,6 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <span>
+#include <string_view>
 
 /// One selected controller. The walks read the four numbers and `next`; the texts are as typed,
 /// cut to their fields, and only printed.
@@ -30,6 +33,23 @@ enum list_kind : unsigned {
     list_of_subdevice_ids,
     list_of_models,
 };
+
+/// The fields that a list of this kind fills.
+struct list_field {
+    std::span<char> (*text)(option_input&);
+    std::int32_t option_input::*number;  ///< null where the entries are names
+};
+const list_field& field_of(list_kind kind);
+
+/// The fields of a -pci-id group, in their order.
+inline constexpr std::array pci_id_fields{list_of_vendor_ids, list_of_device_ids,
+                                          list_of_subvendor_ids, list_of_subdevice_ids};
+
+/// Whether the record selects by all four identifiers rather than by vendor and device alone.
+bool selects_by_four_ids(const option_input& selection);
+
+/// The group or entry that is being read, for a process that ends over it; empty: none is.
+std::string_view group_being_read();
 
 /// A new zeroed record, which lives until the process ends; null when memory ran out.
 option_input* get_new_option_input_buffer();

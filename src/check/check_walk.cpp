@@ -19,15 +19,18 @@ void print_skipped_port(const hba_info& port) {
     Print(6, "%s\n", dash_ruler);
 }
 
-// A selection by two identifiers is content with two here; the flash walk asks for all four.
+// For a selection by two identifiers two are enough here; the flash walk needs all four.
 void check_port(const hba_info& port, bool all_four, global_ctrl_flags& flags,
-                const check_step& step) {
+                const check_observer& observer) {
     int place = 0;
     for (fc_config_file_entry*& row : entries(fc_config_entry_list)) {
         ++place;
         if (fits_row(port, *row, all_four)) {
             print_fitting_row(*row, place);
-            step(&port, &row, &flags);
+            if (observer.comes_to) {
+                observer.comes_to(port, *row);
+            }
+            DoSubSystemCheck(&port, &row, &flags, observer);
         }
     }
 }
@@ -48,7 +51,7 @@ bool check_passed(const global_ctrl_flags& flags) {
 }  // namespace
 
 bool OverallSubSystemCheck(const option_input* selection, global_ctrl_flags* flags,
-                           const check_step& step) {
+                           const check_observer& observer) {
     flags->CtrlVendorSpecificSubsystemEquality = 1;
     Print(3, "\n\n%s\n", star_ruler);
     for (; selection != nullptr; selection = selection->next) {
@@ -57,7 +60,7 @@ bool OverallSubSystemCheck(const option_input* selection, global_ctrl_flags* fla
                 print_skipped_port(*port);
             } else if (fits_selection(*port, *selection)) {
                 flags->MatchingCtrlModelInstalled = 1;
-                check_port(*port, selects_by_four_ids(*selection), *flags, step);
+                check_port(*port, selects_by_four_ids(*selection), *flags, observer);
             }
         }
     }

@@ -84,9 +84,18 @@ void compare_with_run(const hba_info& ctrl_reference, global_ctrl_flags& flags) 
     flags.CtrlVendorSpecificSubsystemEquality = 0;
 }
 
+void tell(const check_observer& observer, const hba_info& port, const fc_config_file_entry& row,
+          const fc_periphery_info* allowed_by) {
+    if (observer.judges) {
+        observer.judges(port, row, allowed_by);
+    }
+}
+
 walk check_storage(hba_info& port, fc_config_file_entry** row, controller_state& state,
-                   global_ctrl_flags& flags) {
-    const bool valid = DoIndividualSubSystemCheck(&port, row, &flags);
+                   global_ctrl_flags& flags, const check_observer& observer) {
+    const fc_periphery_info* allowed_by = nullptr;
+    const bool valid = DoIndividualSubSystemCheck(&port, row, &flags, &allowed_by);
+    tell(observer, port, **row, allowed_by);
     compare_within_controller(port, valid, state, flags);
     Print(1, "\n");
     port.check_done = true;
@@ -103,7 +112,7 @@ walk check_storage(hba_info& port, fc_config_file_entry** row, controller_state&
 }
 
 walk check_member(hba_info& port, fc_config_file_entry** row, controller_state& state,
-                  global_ctrl_flags& flags) {
+                  global_ctrl_flags& flags, const check_observer& observer) {
     if (!fits_names(port, **row)) {
         return walk::goes_on;
     }
@@ -116,9 +125,10 @@ walk check_member(hba_info& port, fc_config_file_entry** row, controller_state& 
     if (port.target_mapping == nullptr) {
         Print(1, "\n");
         port.check_done = true;
+        tell(observer, port, **row, nullptr);
         return walk::goes_on;
     }
-    return check_storage(port, row, state, flags);
+    return check_storage(port, row, state, flags, observer);
 }
 
 }  // namespace
@@ -143,10 +153,11 @@ bool NewCompareWithReferenceSystem(const hba_info* reference, const hba_info* ot
            string_view(reference->target_mapping->VendorID) != other->target_mapping->VendorID;
 }
 
-void DoSubSystemCheck(const hba_info* port, fc_config_file_entry** row, global_ctrl_flags* flags) {
+void DoSubSystemCheck(const hba_info* port, fc_config_file_entry** row, global_ctrl_flags* flags,
+                      const check_observer& observer) {
     controller_state state;
     for (hba_info* member : chain_of(*port->flash_port)) {
-        if (check_member(*member, row, state, *flags) == walk::stops) {
+        if (check_member(*member, row, state, *flags, observer) == walk::stops) {
             break;
         }
     }

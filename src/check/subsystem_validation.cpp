@@ -11,7 +11,7 @@ namespace {
 
 using std::string_view;
 
-/// What the products of a row's triples have brought so far.
+/// What the products of a row's triples have shown so far.
 struct product_state {
     bool accepted = false;
     std::string identified_refs;  // the members that matched, joined by commas
@@ -37,8 +37,8 @@ void print_member(const char* indent, string_view member, const char* product) {
           static_cast<int>(member.size()), member.data(), product);
 }
 
-// The members before a comma are tested in any case, and an empty one begins every product. The
-// last member is tested only while nothing is accepted, and an empty one fits nothing.
+// The members before a comma are always tested, and an empty one fits every product. The last
+// member is tested only while nothing is accepted, and an empty one fits nothing.
 void test_products(product_state& state, string_view products, const char* product) {
     if (products.empty()) {
         state.accepted = true;
@@ -65,7 +65,7 @@ void test_products(product_state& state, string_view products, const char* produ
     }
 }
 
-// Whether the members found so far settle the port; if not, the next triple is looked at.
+// Whether the members found so far decide about the port; if not, the next triple is tested.
 bool group_settles(const product_state& state, const char* products) {
     if (!state.accepted || state.identified_refs.empty()) {
         return false;
@@ -167,9 +167,13 @@ const fc_periphery_info* find_allowing_triple(const target_mapping_entry& target
 }
 
 bool DoIndividualSubSystemCheck(const hba_info* port, fc_config_file_entry** row,
-                                global_ctrl_flags* flags) {
+                                global_ctrl_flags* flags, const fc_periphery_info** allowed_by) {
     const target_mapping_entry& target = *port->target_mapping;
-    if (find_allowing_triple(target, **row) != nullptr) {
+    const fc_periphery_info* allowing = find_allowing_triple(target, **row);
+    if (allowed_by != nullptr) {
+        *allowed_by = allowing;
+    }
+    if (allowing != nullptr) {
         Print(1, "\n");
         return true;
     }

@@ -21,7 +21,7 @@ std::list<fc_config_file_entry> rows;
 std::list<fc_periphery_info> triples;
 std::vector<fc_config_file_entry*> slots;
 
-// How a column is kept and echoed. One that something is decided by is never cut.
+// How a column is stored and echoed. A column that decides something is never cut.
 struct column_format {
     int echo_width;
     const char* echo_end;
@@ -73,16 +73,16 @@ constexpr std::array triple_columns{
     triple_column{text_of<&fc_periphery_info::third>, third_format},
 };
 
-// Where the reader stands: lines count every piece read, columns count from 0 on each line.
+// The position of the reader; columns count from 0 in each piece.
 struct position {
-    int line = 0;
+    const table_piece& in;
     std::size_t column = 0;
 };
 
 exit_status store_text(std::span<char> field, const column_format& format, const char* text,
                        const position& at) {
     if (std::strlen(text) >= field.size() && !format.may_be_cut) {
-        Print(1, "\nError line %d: column %d is longer than %d characters: %s\n", at.line,
+        Print(1, "\nError line %d: column %d is longer than %d characters: %s\n", at.in.piece,
               static_cast<int>(at.column), static_cast<int>(field.size()) - 1, text);
         return RET_FATAL_ERROR;
     }
@@ -98,20 +98,20 @@ void store_number(fc_config_file_entry& row, const row_column& column, const pos
     const char* text = column.field(row).data();
     row.*column.number = number_of(text, 16);
     if (row.*column.number < 0) {
-        // Not through PrintDebug: only a debug level with the screen on lets this one out.
+        // Not through PrintDebug: this is printed only with a debug level and the screen on.
         if (DebugLevel > 0 && PrintDebugOnScreen != 0) {
-            std::fprintf(stderr, "\nError line %d: %s %s is not a valid hex value!\n", at.line,
-                         column.id_name, text);
+            print_error("\nError line %d: %s %s is not a valid hex value!\n", at.in.piece,
+                        column.id_name, text);
         }
         end_process(RET_FATAL_ERROR);
     }
 }
 
-/// The row under way, and what hangs on it so far.
+/// The row that is being read, and its triples so far.
 struct open_row {
     fc_config_file_entry* row = nullptr;
-    fc_periphery_info** link = nullptr;   // where the next triple is to be hung
-    fc_periphery_info* triple = nullptr;  // the one begun last
+    fc_periphery_info** link = nullptr;   // where the next triple goes
+    fc_periphery_info* triple = nullptr;  // the last one
 };
 
 exit_status begin_row(open_row& open, const position& at) {
@@ -120,7 +120,8 @@ exit_status begin_row(open_row& open, const position& at) {
         Print(1, "Could not allocate memory for new fc_config_file entry.\n");
         return RET_MEMALLOC_FAIL;
     }
-    open.row->line = at.line;
+    open.row->line = at.in.line;
+    open.row->piece = at.in.piece;
     open.link = &open.row->periphery_list;
     return RET_OK;
 }
@@ -164,27 +165,26 @@ exit_status store_triple_column(open_row& open, const char* text, const position
     return status;
 }
 
-exit_status store_column(open_row& open, std::string_view part, const position& at) {
-    char column[line_width];
-    set_text(column, part);
-    const char* text = cleanString(column);
+exit_status store_column(open_row& open, const char* text, const position& at) {
     return at.column < row_columns.size() ? store_row_column(*open.row, text, at)
                                           : store_triple_column(open, text, at);
 }
 
 // What can become of a piece of the file, in the order of the tests:
-//   - it holds a '#' anywhere, or "--+--" anywhere: passed over
+//   - it is a comment: passed over
 //   - it holds no column, only bars and no newline behind them: passed over
 //   - anything else, an empty line too: a row, of as many columns as there are
-exit_status read_line(std::string_view line, position at) {
-    if (line.find('#') != std::string_view::npos || line.find("--+--") != std::string_view::npos) {
+exit_status read_piece(const table_piece& piece) {
+    if (is_comment(piece.text)) {
         return RET_OK;
     }
     open_row open;
-    for (; const auto part = next_part(line, '|'); ++at.column) {
+    std::string_view rest = piece.text;
+    char buffer[line_width];
+    for (position at{piece}; const char* text = next_column(rest, buffer); ++at.column) {
         exit_status status = at.column == 0 ? begin_row(open, at) : RET_OK;
         if (status == RET_OK) {
-            status = store_column(open, *part, at);
+            status = store_column(open, text, at);
         }
         if (status != RET_OK) {
             return status;
@@ -211,18 +211,40 @@ exit_status Read_FC_Config_File(const char* path) {
 }
 
 exit_status read_conditions(const input_file& file) {
-    constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
-    char line[line_width];
-    for (position at{.line = 1}; next_line(file, line); ++at.line) {
-        std::string_view text = line;
-        if (at.line == 1 && text.starts_with(byte_order_mark)) {
-            text.remove_prefix(byte_order_mark.size());
-        }
-        if (const exit_status status = read_line(text, at)) {
+    for (table_piece piece; next_piece(file, piece);) {
+        if (const exit_status status = read_piece(piece)) {
             return status;
         }
     }
     return RET_OK;
+}
+
+bool next_piece(const input_file& file, table_piece& at) {
+    constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+    at.line += at.ends_line ? 1 : 0;
+    ++at.piece;
+    if (!next_line(file, at.buffer)) {
+        return false;
+    }
+    at.text = at.buffer;
+    at.ends_line = at.text.ends_with('\n');
+    at.has_mark = at.piece == 1 && at.text.starts_with(byte_order_mark);
+    at.text.remove_prefix(at.has_mark ? byte_order_mark.size() : 0);
+    return true;
+}
+
+const char* next_column(std::string_view& rest, char (&buffer)[line_width]) {
+    const auto part = next_part(rest, '|');
+    if (!part) {
+        return nullptr;
+    }
+    set_text(buffer, *part);
+    return cleanString(buffer);
+}
+
+bool is_comment(std::string_view piece) {
+    return piece.find('#') != std::string_view::npos ||
+           piece.find("--+--") != std::string_view::npos;
 }
 
 void release_conditions() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "base/exit_status.h"
 #include "base/lines.h"
@@ -33,17 +34,18 @@ struct fc_config_file_entry {
     char col11_text[84];
     char col12_text[20];
     fc_periphery_info* periphery_list;  ///< null: no storage is allowed
-    std::int32_t line;  ///< of the file, counted from 1 as in the messages; no walk reads it
+    std::int32_t line;                  ///< of the file, counted from 1; no walk reads it
+    std::int32_t piece;                 ///< the same as messages count it: by pieces
 };
 
 /// The table's rows in file order, ended by a null entry; null while there is no row. Rows and
-/// what hangs on them live until the process ends.
+/// their triples live until the process ends.
 extern fc_config_file_entry** fc_config_entry_list;
 
 /// A new zeroed row at the end of fc_config_entry_list; null when memory ran out.
 fc_config_file_entry* get_new_config_file_entry();
 
-/// A new zeroed entry, to be hung on a row by the caller; null when memory ran out.
+/// A new zeroed entry, which the caller adds to a row; null when memory ran out.
 fc_periphery_info* get_new_periphery_info_entry();
 
 /// Reads the table at `path` into fc_config_entry_list. Gives 0, 15 when the file cannot be
@@ -53,6 +55,27 @@ exit_status Read_FC_Config_File(const char* path);
 
 /// The same for a table that is open already. Gives 0, 54 or 55.
 exit_status read_conditions(const input_file& file);
+
+/// A piece of a table, which becomes a row or a comment: a line, or a part of a line that is too
+/// long.
+struct table_piece {
+    std::string_view text;   ///< of `buffer`, behind a byte order mark
+    std::int32_t line = 0;   ///< to which it belongs, counted from 1
+    std::int32_t piece = 0;  ///< counted from 1
+    bool ends_line = true;
+    bool has_mark = false;  ///< a byte order mark was before it
+    char buffer[line_width] = "";
+};
+
+/// Reads the piece behind `at`, or the first one into a new `at`. False at the end of the file.
+bool next_piece(const input_file& file, table_piece& at);
+
+/// Whether the reader passes over this piece as a comment: it holds a '#' or "--+--" anywhere.
+bool is_comment(std::string_view piece);
+
+/// Cuts the next column off `rest` of a piece and gives its text, cleaned, within `buffer`; null
+/// when no column is left.
+const char* next_column(std::string_view& rest, char (&buffer)[line_width]);
 
 /// Releases all rows, for a process that reads more than one table.
 void release_conditions();

@@ -2,7 +2,6 @@
 
 #include "base/list.h"
 #include "base/output.h"
-#include "flash/flash_engine.h"
 #include "walk/matching.h"
 
 namespace {
@@ -33,6 +32,13 @@ exit_status flash_fitting_rows(hba_info& port, global_ctrl_flags& flags, const f
 }
 
 }  // namespace
+
+void print_flash_port_line(const hba_info& port) {
+    Print(1,
+          "\t\tVendor: %s, Model: %s SerialNumber: %s PortType: %s PortNumber: %s "
+          "PortFunction: %s\n",
+          port.Mfg, port.Model, port.SerialNo, port.PortType, port.PortNumber, port.PCIFunction);
+}
 
 exit_status OverallFlashBladeEngine(const option_input* selection, global_ctrl_flags* flags,
                                     const flash_step& step) {

@@ -1,11 +1,14 @@
 #include "flash/image_finder.h"
 
 #include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <memory>
 #include <string_view>
 
 #include "base/text.h"
+#include "tool/output_files.h"
 
 namespace {
 
@@ -14,6 +17,22 @@ using std::string_view;
 struct directory_closer {
     void operator()(DIR* directory) const { closedir(directory); }
 };
+
+// What can become of a name, in the order of the tests; the pattern is the beginning, so that a
+// longer extension or name fits too:
+//   - it begins with a dot, or runs leave it behind: no fit
+//   - the pattern begins with "*.": its last dot and what follows must begin with the extension
+//   - any other pattern: the name must begin with it
+bool fits_pattern(string_view name, string_view pattern) {
+    if (name.starts_with('.') || is_left_by_runs(name)) {
+        return false;
+    }
+    if (pattern.starts_with("*.")) {
+        const std::size_t dot = name.rfind('.');
+        return dot != string_view::npos && name.substr(dot).starts_with(pattern.substr(1));
+    }
+    return name.starts_with(pattern);
+}
 
 // Hands the name of every entry that fits, and whose path has room, to `take` until that gives
 // false.
@@ -31,22 +50,6 @@ void each_image(const char* directory, const char* pattern, const Take& take) {
 }
 
 }  // namespace
-
-// What can become of a name, in the order of the tests; the pattern is the prefix side, so that
-// a longer extension or name fits too:
-//   - it begins with a dot: no fit
-//   - the pattern begins with "*.": its last dot and what follows must begin with the extension
-//   - any other pattern: the name must begin with it
-bool fits_pattern(string_view name, string_view pattern) {
-    if (name.starts_with('.')) {
-        return false;
-    }
-    if (pattern.starts_with("*.")) {
-        const std::size_t dot = name.rfind('.');
-        return dot != string_view::npos && name.substr(dot).starts_with(pattern.substr(1));
-    }
-    return name.starts_with(pattern);
-}
 
 exit_status FindFlashImage(const char* directory, char (&result)[image_path_width],
                            const char* pattern) {
@@ -67,4 +70,10 @@ std::vector<std::string> fitting_images(const char* directory, const char* patte
         return true;
     });
     return names;
+}
+
+bool can_be_sent(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
+           access(path.c_str(), R_OK) == 0;
 }

@@ -1,11 +1,11 @@
 #include "inventory/flash_ports.h"
 
+#include <algorithm>
 #include <span>
 #include <string_view>
 #include <vector>
 
 #include "base/list.h"
-#include "inventory/port_records.h"
 
 namespace {
 
@@ -31,16 +31,15 @@ void link(hba_info& port, hba_info& candidate) {
     }
 }
 
-// All candidates are taken: the last one stands as flash port.
+// All candidates are tried: the last one remains the flash port.
 void take_candidates(hba_info& port, std::span<hba_info* const> candidates) {
     const std::string_view serial = port.SerialNo;
-    const bool takes_part_in_chains = std::string_view(port.PortType).starts_with("FCoE");
     for (hba_info* candidate : candidates) {
         if (!serial.starts_with(candidate->SerialNo)) {
             continue;
         }
         port.flash_port = candidate;
-        if (takes_part_in_chains) {
+        if (is_fcoe(port)) {
             link(port, *candidate);
         }
     }
@@ -61,4 +60,12 @@ int Determine_Flash_Ports() {
         }
     }
     return 0;
+}
+
+const hba_info* port_without_flash_port() {
+    const auto ports = entries(p_hba_info_list);
+    const auto found = std::find_if(ports.begin(), ports.end(), [](const hba_info* port) {
+        return has_serial_number(*port) && port->flash_port == nullptr;
+    });
+    return found == ports.end() ? nullptr : *found;
 }

@@ -4,7 +4,9 @@
 
 #include "base/list.h"
 #include "base/output.h"
+#include "call/paths.h"
 #include "inventory/port_query.h"
+#include "tool/output_files.h"
 
 namespace {
 
@@ -12,7 +14,7 @@ using entry = hba_attributes_entry;
 
 constexpr char head_line[] = "HBA Attributes for";
 
-// "Model" stands behind "Model Desc", of which it is the beginning.
+// "Model" comes behind "Model Desc", which begins with it.
 constexpr key_row<entry> attribute_keys[] = {
     {.key = head_line, .opens = true},
     {"Host Name", text_of<&entry::HostName>},
@@ -107,8 +109,9 @@ exit_status collect_attributes_of(hba_info& port) {
     const char* identifier = port_identifier(port);
     const bool shown_by_wwn = std::string_view(port.PortType).starts_with("FC");
     input_file file;
-    const exit_status status = ask_about_port(
-        attribute_query, port, identifier, shown_by_wwn ? port.PortWWN : port.PermanentMAC, file);
+    const exit_status status =
+        ask_about_port(attribute_query, port, compose_attribute_query(port, pHBAFlashCmdPath),
+                       shown_by_wwn ? port.PortWWN : port.PermanentMAC, file);
     if (file.stream == nullptr) {
         return status;
     }
@@ -116,6 +119,10 @@ exit_status collect_attributes_of(hba_info& port) {
 }
 
 }  // namespace
+
+tool_command compose_attribute_query(const hba_info& port, const char* tool) {
+    return compose_query(attribute_query, port, port_identifier(port), tool);
+}
 
 std::span<const key_row<entry>> port_attribute_keys() { return attribute_keys; }
 

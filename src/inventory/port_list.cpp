@@ -1,13 +1,14 @@
 #include "inventory/port_list.h"
 
+#include "base/interruption.h"
 #include "base/lines.h"
 #include "base/output.h"
+#include "base/progress.h"
 #include "call/paths.h"
-#include "inventory/management_tool.h"
+#include "tool/output_files.h"
+#include "tool/tool_command.h"
 
 namespace {
-
-constexpr char list_file_name[] = "local_hba_list.out";
 
 using port_key = key_row<hba_info>;
 
@@ -84,8 +85,7 @@ exit_status judge_listing(int status) {
 }
 
 exit_status run_listing(const std::string& path) {
-    const tool_command command = compose_command(
-        "%s %s > %s/%s \n", {pHBAFlashCmdPath, "listhbas", pHBAWorkingPath, list_file_name});
+    const tool_command command = compose_listing(pHBAFlashCmdPath);
     Print(6, "%s", command.line.c_str());
     if (is_refused(command)) {
         return RET_FATAL_ERROR;
@@ -94,14 +94,26 @@ exit_status run_listing(const std::string& path) {
         print_not_opened(path);
         return STATUS_OUTPUT_FILE_MISSING;
     }
-    const exit_status status = judge_listing(run_command(command, command_kind::query));
-    if (status == RET_OK) {
-        end_by_noted_signal();
+    note_progress("Asking the management tool: list of ports ...");
+    const exit_status status = judge_listing(run_query(command));
+    if (status != RET_OK) {
+        keep_status();
     }
+    end_by_noted_signal();
     return status;
 }
 
 }  // namespace
+
+tool_command compose_listing(const char* tool) {
+    tool_command command =
+        compose_command("%s %s > %s/%s \n", tool, "listhbas", pHBAWorkingPath, list_file_name);
+    // The shell would write into the file that is named before the blank.
+    if (holds_blank(pHBAWorkingPath)) {
+        mark_unsafe(command, pHBAWorkingPath);
+    }
+    return command;
+}
 
 std::span<const port_key> port_list_keys() { return port_keys; }
 
@@ -117,13 +129,11 @@ exit_status read_port_list(const input_file& file) {
     return status_at_end(file);
 }
 
-std::string port_list_path() { return fill_in("%s/%s", {pHBAWorkingPath, list_file_name}); }
-
 exit_status collect_port_list() {
     const std::string path = port_list_path();
     if (const exit_status status = run_listing(path)) {
         return status;
     }
-    const input_file file = open_for_reading(path);
+    const input_file file = open_output(path);
     return file.stream == nullptr ? STATUS_OUTPUT_FILE_MISSING : read_port_list(file);
 }

@@ -16,8 +16,9 @@
 
 namespace {
 
-/// The list under work. Beside each port stands the number of its serial number, and for each
-/// serial number where its ports stand, so that a group's next port is found without a walk.
+/// The list that is being ordered, with a number for the serial number of each port, and for each
+/// serial number the places of its ports, so that the next port of a group is found without a
+/// search.
 struct port_order {
     std::span<hba_info*> ports;
     std::vector<std::size_t> serials;                  // by position

@@ -1,6 +1,6 @@
 #include "inventory/port_records.h"
 
-#include <algorithm>
+#include <cstdio>
 #include <list>
 #include <string_view>
 #include <vector>
@@ -31,19 +31,39 @@ bool is_of_type(const hba_info& port, const char* type) {
     return std::string_view(port.PortType) == type;
 }
 
-bool is_fc_or_fcoe(const hba_info& port) {
-    return std::string_view(port.PortType).starts_with("FCoE") || is_of_type(port, "FC");
-}
+bool is_fcoe(const hba_info& port) { return std::string_view(port.PortType).starts_with("FCoE"); }
+
+bool is_fc_or_fcoe(const hba_info& port) { return is_fcoe(port) || is_of_type(port, "FC"); }
 
 bool has_serial_number(const hba_info& port) {
     return !std::string_view(port.SerialNo).starts_with("n/a");
 }
 
+const char* address_of(const hba_info& port) {
+    return port.PortWWN[0] != '\0' ? port.PortWWN : port.PermanentMAC;
+}
+
+std::string pci_id_of(const hba_info& port) {
+    const hba_attributes_entry* ids = port.attributes;
+    if (ids == nullptr || ids->vendor_id <= 0 || ids->device_id <= 0) {
+        return "";
+    }
+    const auto as_unsigned = [](std::int32_t id) { return static_cast<unsigned>(id); };
+    char text[64];
+    if (ids->subvendor_id > 0 && ids->subdevice_id >= 0) {
+        std::snprintf(text, sizeof text, "%04X:%04X:%04X:%04X", as_unsigned(ids->vendor_id),
+                      as_unsigned(ids->device_id), as_unsigned(ids->subvendor_id),
+                      as_unsigned(ids->subdevice_id));
+    } else {
+        std::snprintf(text, sizeof text, "%04X:%04X", as_unsigned(ids->vendor_id),
+                      as_unsigned(ids->device_id));
+    }
+    return text;
+}
+
 void release_fc_ports() {
-    const auto list = entries(p_hba_info_list);
-    const auto kept = std::remove_if(list.begin(), list.end(),
-                                     [](const hba_info* port) { return is_of_type(*port, "FC"); });
-    std::fill(kept, list.end(), nullptr);
+    std::erase_if(slots,
+                  [](const hba_info* port) { return port != nullptr && is_of_type(*port, "FC"); });
     ports.remove_if([](const hba_info& port) { return is_of_type(port, "FC"); });
 }
 

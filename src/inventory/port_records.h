@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 struct hba_info;
 
@@ -101,12 +102,15 @@ extern hba_info** p_hba_info_list;
 /// A new zeroed port at the end of p_hba_info_list; null when memory ran out.
 hba_info* get_new_hba_info_entry();
 
-/// A new zeroed entry, to be hung on its port by the caller; null when memory ran out.
+/// A new zeroed entry, which the caller adds to its port; null when memory ran out.
 hba_attributes_entry* get_new_hba_attributes_entry();
 target_mapping_entry* get_new_target_mapping_entry();
 
 /// Whether the port is of exactly this type.
 bool is_of_type(const hba_info& port, const char* type);
+
+/// Whether the type of the port begins "FCoE".
+bool is_fcoe(const hba_info& port);
 
 /// Whether the port is a Fibre Channel port of either kind: of type "FC", or one that begins
 /// "FCoE".
@@ -114,6 +118,13 @@ bool is_fc_or_fcoe(const hba_info& port);
 
 /// Whether the port has a serial number; an empty one counts as one.
 bool has_serial_number(const hba_info& port);
+
+/// The port's WWN, or the MAC address of one that has none.
+const char* address_of(const hba_info& port);
+
+/// The port's identifiers as -pci-id takes them, two where it has no subsystem identifiers; empty
+/// where they are not known.
+std::string pci_id_of(const hba_info& port);
 
 /// Takes the ports of type exactly "FC" out of p_hba_info_list and releases their records.
 void release_fc_ports();

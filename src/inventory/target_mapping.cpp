@@ -4,18 +4,21 @@
 
 #include "base/list.h"
 #include "base/output.h"
+#include "call/paths.h"
 #include "inventory/port_query.h"
+#include "tool/output_files.h"
 
 namespace {
 
 using entry = target_mapping_entry;
 
 constexpr char head_line[] = "Target Mapping for";
+constexpr char lun_key[] = "FCP LUN";
 constexpr int head_lines = 4;  // a colon in them opens no entry
 
 constexpr key_row<entry> mapping_keys[] = {
     {head_line},
-    {"FCP LUN", text_of<&entry::FCPLun>},
+    {lun_key, text_of<&entry::FCPLun>},
     {"SCSI OS Lun", text_of<&entry::SCSIOSLun>},
     {"Lun Device Name", text_of<&entry::LunDeviceName>},
     {"Vendor ID", text_of<&entry::VendorID>},
@@ -35,13 +38,22 @@ constexpr port_query mapping_query{
     .indent = "\t\t\t",
 };
 
+// What the line of a key says beside its value: the output has its head, or a LUN begins.
+void note_key(const key_row<entry>& row, mapping_facts& facts) {
+    if (row.field == nullptr) {
+        facts.has_head = true;
+    } else if (row.key == lun_key) {
+        facts.luns.emplace_back();
+    }
+}
+
 // What can become of a line, in the order of the tests; all LUNs of a port write into one entry:
 //   - behind the head, the first line with a colon: an entry for the port; then as any line
 //   - it begins with no key: passed over
 //   - the head line: echoed
 //   - a key while the port has no entry: passed over
 //   - a key: the value, where the line has a colon, fills the field; then the field is echoed
-exit_status read_line(char* line, int number, hba_info& port) {
+exit_status read_line(char* line, int number, hba_info& port, mapping_facts* facts) {
     if (number > head_lines && port.target_mapping == nullptr &&
         std::strchr(line, ':') != nullptr) {
         port.target_mapping = get_new_target_mapping_entry();
@@ -54,6 +66,9 @@ exit_status read_line(char* line, int number, hba_info& port) {
     if (row == nullptr) {
         return RET_OK;
     }
+    if (facts != nullptr) {
+        note_key(*row, *facts);
+    }
     if (row->field == nullptr) {
         Print(6, "\n\t\t\t%s %s\n", head_line, port.PortWWN);
         return RET_OK;
@@ -61,15 +76,18 @@ exit_status read_line(char* line, int number, hba_info& port) {
     if (port.target_mapping == nullptr) {
         return RET_OK;
     }
-    store_value(*row, *port.target_mapping, line);
+    const bool is_stored = store_value(*row, *port.target_mapping, line) != nullptr;
+    if (is_stored && facts != nullptr && !facts->luns.empty()) {
+        set_text(row->field(facts->luns.back()), row->field(*port.target_mapping).data());
+    }
     Print(6, "\t\t\t%s\n", row->field(*port.target_mapping).data());
     return RET_OK;
 }
 
 exit_status collect_mapping_of(hba_info& port) {
     input_file file;
-    const exit_status status =
-        ask_about_port(mapping_query, port, port.PortWWN, port.PortWWN, file);
+    const exit_status status = ask_about_port(
+        mapping_query, port, compose_mapping_query(port, pHBAFlashCmdPath), port.PortWWN, file);
     if (file.stream == nullptr) {
         return status;
     }
@@ -78,12 +96,16 @@ exit_status collect_mapping_of(hba_info& port) {
 
 }  // namespace
 
+tool_command compose_mapping_query(const hba_info& port, const char* tool) {
+    return compose_query(mapping_query, port, port.PortWWN, tool);
+}
+
 std::span<const key_row<entry>> target_mapping_keys() { return mapping_keys; }
 
-exit_status read_target_mapping(const input_file& file, hba_info& port) {
+exit_status read_target_mapping(const input_file& file, hba_info& port, mapping_facts* facts) {
     char line[line_width];
     for (int number = 1; next_line(file, line); ++number) {
-        if (const exit_status status = read_line(line, number, port)) {
+        if (const exit_status status = read_line(line, number, port, facts)) {
             return status;
         }
     }

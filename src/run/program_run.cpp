@@ -1,12 +1,11 @@
 #include "run/program_run.h"
 
-#include <algorithm>
 #include <new>
 #include <optional>
 
-#include "base/ground.h"
 #include "base/list.h"
 #include "base/output.h"
+#include "base/process_setup.h"
 #include "base/run_lock.h"
 #include "base/text.h"
 #include "call/command_line.h"
@@ -15,13 +14,15 @@
 #include "call/selection.h"
 #include "check/check_walk.h"
 #include "conditions/conditions_file.h"
+#include "flash/flash_engine.h"
 #include "flash/flash_walk.h"
 #include "inventory/flash_ports.h"
 #include "inventory/inventory.h"
-#include "inventory/management_tool.h"
 #include "inventory/port_ordering.h"
 #include "inventory/port_records.h"
-#include "walk/run_flags.h"
+#include "tool/output_files.h"
+#include "tool/tool_search.h"
+#include "walk/run_findings.h"
 
 namespace {
 
@@ -63,7 +64,7 @@ void echo_row(const fc_config_file_entry& row) {
     Print(4, "\n");
 }
 
-// The debug level has no part in this echo.
+// The debug level does not matter for this echo.
 void echo_conditions() {
     if (VerboseLevel <= 3) {
         return;
@@ -89,13 +90,6 @@ exit_status collect_inventory() {
         lock_file_for_run(pHBAFlashCmdPath);
     }
     return Get_All_Hba_Info();
-}
-
-bool every_port_has_flash_port() {
-    const auto ports = entries(p_hba_info_list);
-    return std::all_of(ports.begin(), ports.end(), [](const hba_info* port) {
-        return !has_serial_number(*port) || port->flash_port != nullptr;
-    });
 }
 
 void list_port(const hba_info& port) {
@@ -151,13 +145,13 @@ exit_status unless_vox_mode(exit_status status) {
 }
 
 exit_status run_flash(global_ctrl_flags& flags) {
-    const exit_status status = OverallFlashBladeEngine(p_option_input, &flags);
+    const exit_status status = OverallFlashBladeEngine(p_option_input, &flags, FlashBladeEngine);
     Print(3, "\t\tOverallFlashBladeEngine returned: %d \n\n", static_cast<int>(status));
     return status;
 }
 
-// Runs the check, the flash or both; a status if the run ends here, or nothing to go on. A
-// failed check keeps the flash from running.
+// Runs the check, the flash or both. Gives a status if the run ends here, or nothing to go on.
+// After a failed check there is no flash.
 std::optional<exit_status> run_jobs(global_ctrl_flags& flags) {
     const bool check_requested = active_option_valid_subsystem != 0 ||
                                  active_option_ctrl_wide_identical != 0 ||
@@ -198,14 +192,14 @@ exit_status check_and_flash(global_ctrl_flags& flags) {
 
 exit_status main_sequence(const char* called_as, global_ctrl_flags& flags) {
     apply_default_check();
-    settle_temporary_directory();
-    if (!settle_paths(called_as)) {
+    read_temporary_directory();
+    if (!resolve_paths(called_as)) {
         Print(1, "Error: Fatal error!\n");
         return RET_FATAL_ERROR;
     }
     lock_directory_for_run(pHBAWorkingPath,
                            active_option_simulate != 0 ? lock_kind::shared : lock_kind::exclusive);
-    open_debug_log(pHBAWorkingPath);
+    open_debug_log(fill_in("%s%s", pHBAWorkingPath, log_file_name).c_str());
     if (const exit_status status = read_table()) {
         return status;
     }
@@ -221,7 +215,7 @@ exit_status main_sequence(const char* called_as, global_ctrl_flags& flags) {
     }
     Classify_Ctrl_List();
     Determine_Flash_Ports();
-    if (!every_port_has_flash_port()) {
+    if (port_without_flash_port() != nullptr) {
         return RET_KERNEL_MODULE_MISSING;
     }
     list_inventory();

@@ -1,9 +1,8 @@
 #include "walk/matching.h"
 
+#include "base/list.h"
 #include "base/output.h"
 #include "call/paths.h"
-
-bool selects_by_four_ids(const option_input& selection) { return selection.subvendor_id > 0; }
 
 bool fits_selection(const hba_info& port, const option_input& selection) {
     const hba_attributes_entry* ids = port.attributes;
@@ -25,6 +24,22 @@ bool fits_row(const hba_info& port, const fc_config_file_entry& row, bool all_fo
     return row.vendor_id == ids.vendor_id && row.device_id == ids.device_id &&
            (!all_four ||
             (row.subvendor_id == ids.subvendor_id && row.subdevice_id == ids.subdevice_id));
+}
+
+row_lists rows_of(const hba_info& port) {
+    row_lists rows;
+    for (const fc_config_file_entry* row : entries(fc_config_entry_list)) {
+        if (!fits_row(port, *row, false)) {
+            continue;
+        }
+        ++rows.count;
+        if (fits_row(port, *row, true)) {
+            rows.by_four.push_back(row);
+        } else if (rows.by_two.size() < most_rows_by_two) {
+            rows.by_two.push_back(row);
+        }
+    }
+    return rows;
 }
 
 void print_fitting_row(const fc_config_file_entry& row, int place) {

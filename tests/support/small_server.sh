@@ -1,7 +1,7 @@
 # shellcheck shell=sh
-# Makes of the sample server, in the current directory, the smallest one on which a run says nearly
-# every line: a controller's flash port and its two FCoE ports, of which one says all that a port
-# can say, and a port without a serial number.
+# Makes from the sample server, in the current directory, the smallest server on which a run says
+# nearly every line: the flash port and two FCoE ports of a controller, one of which has every value
+# that a port can have, and a port without a serial number.
 cat > FC_HBA_Conditions.txt <<'END'
 # A comment
 --+--

@@ -2,11 +2,10 @@
 
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "support/cases.h"
 #include "support/process.h"
 
 /// Runs `act` and gives what it wrote to standard output.
@@ -28,18 +27,6 @@ std::string replaced(std::string text, std::string_view what, std::string_view w
 /// line says from which level on it and those behind it show, \n stands for a blank line.
 std::string golden(std::string_view name, int level = 6);
 
-/// A case of a table by its keys; a missing key is empty. In values \n, \t, \r, \0 and \\ are
-/// resolved, \s is a blank, and x\{9} nine times x.
-using test_case = std::map<std::string, std::string>;
-
-/// The cases of a file of the folder of tables. Lines "key: value", a blank line between cases; or
-/// rows whose cells follow a bar (or a tilde) each, the first row naming the keys. A line that
-/// begins with a number opens a case with that "status", its rest being what is "run".
-std::vector<test_case> cases(std::string_view name);
-
-/// Compares what `result_of` makes of each case of a table with the case's "result".
-void expect_table(std::string_view name, const std::function<std::string(test_case& c)>& result_of);
-
 /// A directory of its own, gone with its owner.
 struct scratch {
     std::filesystem::path path;
@@ -59,12 +46,8 @@ struct run_result {
 /// stand-in for the management tool below ./opt.
 struct server : scratch {
     server();
-    /// Runs a shell command line in the server's directory, "./cnatool ..." for one. It has C1 to
-    /// C4, the identifiers of the controllers, T, the folder of the stand-in, P, the
-    /// identifier of a port of C1, F, how its output files begin, POWERLESS, which runs what
-    /// follows as a user without rights, "fault", which puts its words into the stand-in's list of
-    /// faults, "storage", which gives the vendor of the storage behind each of the two ports of C1,
-    /// and "small_server".
+    /// Runs shell commands in the server's directory, "./cnatool ..." for one, with what
+    /// support/server.sh offers.
     [[nodiscard]] run_result run(const std::string& command) const;
     /// The calls that reached the stand-in since the last time, one a line.
     [[nodiscard]] std::string calls() const;

@@ -1,4 +1,4 @@
-#include "inventory/tool_places.h"
+#include "tool/tool_places.h"
 
 const std::array<const char*, 3> tool_places{
     "./usr/sbin/brcmocmanager/brcmhbacmd",

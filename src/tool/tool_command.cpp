@@ -1,20 +1,15 @@
-#include "inventory/management_tool.h"
-
-#include <sys/stat.h>
-#include <unistd.h>
+#include "tool/tool_command.h"
 
 #include "base/output.h"
-#include "base/text.h"
 #include "call/options.h"
-#include "call/paths.h"
-#include "inventory/tool_places.h"
+#include "tool/command_run.h"
 
 namespace {
 
 constexpr std::size_t command_width = 1024;
 
-// What a shell does not just pass on: anywhere, in an argument (behind '>' it expands no pattern),
-// and as the first character of a word. Blanks and carriage returns stand in harmless values too.
+// Characters on which a shell acts: anywhere, in an argument (it expands no pattern behind '>'),
+// and at the beginning of a word. Harmless values contain blanks and carriage returns, too.
 constexpr std::string_view unsafe_anywhere = "|&;<>()$`\\\"'{\n";
 constexpr std::string_view unsafe_in_arguments = "*?[";
 constexpr std::string_view unsafe_as_first = "~#";
@@ -41,7 +36,7 @@ bool is_unsafe(const word_place& place, char c) {
            (place.at_start && unsafe_as_first.find(c) != std::string_view::npos);
 }
 
-// Steps over the text as well.
+// Also steps over the text.
 bool holds_unsafe(word_place& place, std::string_view text) {
     bool found = false;
     for (const char c : text) {
@@ -53,37 +48,8 @@ bool holds_unsafe(word_place& place, std::string_view text) {
 
 }  // namespace
 
-exit_status Get_HbaCmd_Path() {
-    pHBAFlashCmdPath[0] = '\0';
-    for (const char* place : tool_places) {
-        struct stat status {};
-        if (stat(place, &status) == 0) {
-            set_text(pHBAFlashCmdPath, place);
-            Print(3, "Info: Found flash command: %s\n\n", pHBAFlashCmdPath);
-            return RET_OK;
-        }
-        if (place != tool_places.back()) {
-            Print(1, "Info: Flash command %s is not available.\n\n", place);
-        }
-    }
-    Print(1, "Error: Flash command %s is not available (no flash command at all found)\n\n",
-          tool_places.back());
-    return RET_SCLI_NOT_INSTALLED;
-}
-
-std::string fill_in(std::string_view format, std::initializer_list<std::string_view> values) {
-    std::string text;
-    for (const std::string_view value : values) {
-        const std::size_t place = format.find("%s");
-        text.append(format.substr(0, place)).append(value);
-        format.remove_prefix(place + 2);
-    }
-    return text.append(format);
-}
-
-tool_command compose_command(std::string_view format,
-                             std::initializer_list<std::string_view> values) {
-    tool_command command{.line = fill_in(format, values), .unsafe_value = {}};
+tool_command compose_filled(std::string_view format, std::span<const std::string_view> values) {
+    tool_command command{.line = fill_places(format, values), .unsafe_value = {}};
     word_place place;
     for (const std::string_view value : values) {
         const std::size_t at = format.find("%s");
@@ -111,8 +77,10 @@ bool leaves_directory(std::string_view name) {
     return false;
 }
 
+bool is_too_long(const tool_command& command) { return command.line.size() >= command_width; }
+
 bool is_refused(const tool_command& command) {
-    if (command.line.size() >= command_width) {
+    if (is_too_long(command)) {
         print_too_long(command.line.c_str());
         return true;
     }
@@ -124,14 +92,12 @@ bool is_refused(const tool_command& command) {
     return false;
 }
 
-bool remove_old_output(const std::string& path) {
-    struct stat status {};
-    return active_option_simulate != 0 || unlink(path.c_str()) == 0 ||
-           lstat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode);
+int run_query(const tool_command& command) {
+    return active_option_simulate != 0 ? 0 : run_query_in_shell(command.line.c_str());
 }
 
-int run_command(const tool_command& command, command_kind kind) {
-    return active_option_simulate != 0 ? 0 : run_in_shell(command.line.c_str(), kind);
+std::optional<int> run_download(const tool_command& command) {
+    return active_option_simulate != 0 ? 0 : run_download_in_shell(command.line.c_str());
 }
 
 void print_too_long(const char* text) {

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+#include "base/exit_status.h"
+
+/// Lets the library write its messages about errors, and no others, to standard error.
+void report_errors();
+
+/// Lets the library say nothing again.
+void be_silent();
+
+/// Writes `text` to standard output. False if not all of it got there; that is said then, except of
+/// a reader that has gone away.
+bool write_out(const std::string& text);
+
+/// Notes what is being read, a file or a part of the call, in case it ends the process.
+void now_reading(const std::string& what);
+
+/// Says on standard error where cnatool ends with this status, and with it the audit. The library
+/// has said why, if it says it at all.
+void cannot_go_on(exit_status status);
+
+/// Says on standard error that the audit cannot go on, and why.
+void give_up(const std::string& reason);
