@@ -1,6 +1,6 @@
 #!/bin/sh
-# Installs what is missing, builds, and runs both jobs of the tool on the sample server, which
-# is laid out in a temporary directory.
+# Installs what is missing, builds, and runs check, audit and flash on the sample server, which is
+# set up in a temporary directory.
 set -eu
 cd "$(dirname -- "$(readlink -f -- "$0")")"
 ./setup.sh build
@@ -29,16 +29,16 @@ name_of() {
     ./cnatool --show-return-codes | awk -v status="$1" '$2 == status { print $1 }'
 }
 
-# run STATUS ARGUMENTS...: shows a run, and ends the demo when it does not end with STATUS.
+# run STATUS ARGUMENTS...: shows a run, which must end with STATUS
 run() {
     wanted=$1
     shift
     printf '\n$ ./cnatool'
-    printf ' %s' "$@"
+    [ $# -eq 0 ] || printf ' %s' "$@"
     printf '\n'
     status=0
-    # The shell below the tool reports the port without a serial number, whose output file would
-    # lie in a directory "n"; the tool itself skips that port aloud.
+    # The shell complains about the port without a serial number, as it cannot write into a directory
+    # "n". The tool itself says that it skips this port.
     ./cnatool "$@" 2> shell_messages || status=$?
     printf '=> exit status %d, %s\n' "$status" "$(name_of "$status")"
     if [ "$status" -ne "$wanted" ]; then
@@ -48,44 +48,7 @@ run() {
     fi
 }
 
-c1=F1A0:4201:F1A0:0011
-c2=F1A0:4201:F2B0:0012
-c3=F1A0:8402:F1A0:0021
-c4=F1A0:8402:F2B0:0022
-trace=nx4200/FWtrace.out
-faults=opt/emulex/ocmanager/bin/answers/faults.txt
-
-say "A controller whose storage is allowed"
-run 0 -pci-id "$c1"
-say "One whose storage is not"
-run 4 -pci-id "$c4"
-say "Two controllers that see different storage"
-run 2 -v 2 -pci-id "$c1,$c3" --ctrl-vendor-wide-identical
-say "One controller that sees different storage on its ports"
-run 1 -v 2 -pci-id "$c2" --ctrl-wide-identical
-say "A controller that is not installed"
-run 12 -pci-id F1A0:2101
-
-say "The first one once more, with the table and the inventory"
-run 0 -v 4 -pci-id "$c1"
-
-say "What a flash would do: everything is looked up, nothing is run"
-run 0 --simulate --flash -pci-id "$c1"
-[ ! -e "$trace" ]
-say "The flash itself"
-run 0 --flash -pci-id "$c1"
-printf '\n$ cat %s\n' "$trace"
-cat "$trace"
-say "Checked first: storage that is not allowed keeps the flash from running"
-run 4 --flash --check-for-valid-subsystem -pci-id "$c1,$c4"
-say "A flash that fails"
-echo 'download 02-00-5E-10-02-00 exit 3' > "$faults"
-run 10 --flash -pci-id "$c2"
-: > "$faults"
-say "An image that is missing"
-run 20 --flash -pci-id "$c4"
-
-# audit STATUS ARGUMENTS...: the same for an audit.
+# audit STATUS ARGUMENTS...: the same for an audit
 audit() {
     wanted=$1
     shift
@@ -98,9 +61,58 @@ audit() {
     [ "$status" -eq "$wanted" ] || { echo "expected: $wanted" >&2; exit 1; }
 }
 
-say "What there is to select, and what the table says that may not be meant"
-audit 1
-say "What an answer about two controllers rests on, and what a flash would send"
-audit 1 --flash -pci-id "$c1,$c4"
+c1=F1A0:4201:F1A0:0011
+c2=F1A0:4201:F2B0:0012
+c3=F1A0:8402:F1A0:0021
+c4=F1A0:8402:F2B0:0022
+trace=nx4200/FWtrace.out
+faults=opt/emulex/ocmanager/bin/answers/faults.txt
+
+say "What there is to select: a run without a selection, and an audit"
+run 12
+audit 0
+
+say "A check of a controller whose storage is allowed"
+run 0 -pci-id "$c1"
+say "One whose storage is not"
+run 4 -pci-id "$c4"
+say "Two controllers that see different storage"
+run 2 -v 2 -pci-id "$c1,$c3" --ctrl-vendor-wide-identical
+say "One controller that sees different storage on its ports"
+run 1 -v 2 -pci-id "$c2" --ctrl-wide-identical
+say "A controller that is not installed"
+run 12 -pci-id F1A0:2101
+
+say "The first one once more, with the table and the ports"
+run 0 -v 4 -pci-id "$c1"
+
+say "The safe way to flash. Step 1: a check"
+run 0 -pci-id "$c1"
+say "Step 2: an audit of what the check saw, and of what a flash would send"
+audit 0 --flash -pci-id "$c1"
+[ ! -e "$trace" ]
+say "Step 3, since both gave 0: the flash with its check"
+run 0 --flash --check-for-valid-subsystem -pci-id "$c1"
+printf '\n$ cat %s\n' "$trace"
+cat "$trace"
+
+say "Why step 2: the management tool fails for one port. The check passes all the same ..."
+echo 'targetmapping 10:00:02:00:5e:10:01:02 cut 0 exit 1' > "$faults"
+run 0 -pci-id "$c1"
+say "... and the audit finds the empty answer: no flash"
+audit 1 --flash -pci-id "$c1"
+: > "$faults"
+
+say "Why step 3 checks again: storage that is not allowed keeps both controllers from being flashed"
+run 4 --flash --check-for-valid-subsystem -pci-id "$c1,$c4"
+say "A dry run: everything is looked up, and nothing is sent"
+run 0 --simulate --flash -pci-id "$c1"
+say "A flash that fails"
+echo 'download 02-00-5E-10-02-00 exit 3' > "$faults"
+run 10 --flash -pci-id "$c2"
+: > "$faults"
+say "An image that is missing: the audit finds it before, the flash ends with it"
+audit 1 --flash -pci-id "$c4"
+run 20 --flash -pci-id "$c4"
 
 printf '\nAll runs ended as expected.\n'
