@@ -109,11 +109,11 @@ string downloads_of(const string& reached) {
     return downloads.empty() ? "none" : downloads;
 }
 
-const case_keys run_keys{"status run", "says lacks prints stderr reached needs"};
+const case_keys run_keys{"status run", "says lacks prints stderr reached needs controllers"};
 
 // The run of a case, held against all that the case says of it; gives the standard output.
 string expect_run(test_case& c) {
-    const server host;
+    const server host(c["controllers"]);
     const run_result result = host.run(c["run"]);
     SCOPED_TRACE("standard output:\n" + result.out + "standard error:\n" + result.err);
     EXPECT_EQ(std::to_string(result.status), c["status"]);
@@ -142,13 +142,15 @@ const bool faults = add_cases("Run", "faults.txt", run_keys, [](test_case& c) {
 });
 
 // At the level a case names it says its text, and at the one below it does not.
-const bool levels = add_cases("Run", "levels.txt", {"status from run says"}, [](test_case& c) {
-    const int from = std::stoi(c["from"]);
-    const run_result result = server().run("V=" + std::to_string(from) + "; " + c["run"]);
-    EXPECT_EQ(std::to_string(result.status), c["status"]);
-    EXPECT_NE(result.out.find(c["says"]), string::npos) << result.out;
-    const string below = "V=" + std::to_string(from - 1) + "; " + c["run"];
-    EXPECT_EQ(server().run(below).out.find(c["says"]), string::npos) << below;
-});
+const bool levels =
+    add_cases("Run", "levels.txt", {"status from run says", "controllers"}, [](test_case& c) {
+        const int from = std::stoi(c["from"]);
+        const run_result result =
+            server(c["controllers"]).run("V=" + std::to_string(from) + "; " + c["run"]);
+        EXPECT_EQ(std::to_string(result.status), c["status"]);
+        EXPECT_NE(result.out.find(c["says"]), string::npos) << result.out;
+        const string below = "V=" + std::to_string(from - 1) + "; " + c["run"];
+        EXPECT_EQ(server(c["controllers"]).run(below).out.find(c["says"]), string::npos) << below;
+    });
 
 }  // namespace

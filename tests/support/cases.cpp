@@ -238,9 +238,9 @@ const string& test_case::operator[](const string& key) {
 }
 
 string unescaped(const string& text) {
-    const std::map<char, const char*> meanings{{'n', "\n"}, {'t', "\t"},   {'r', "\r"},
-                                               {'s', " "},  {'e', ""},     {'\\', "\\"},
-                                               {'\n', ""},  {'V', VERSION}};
+    static const std::map<char, const char*> meanings{{'n', "\n"}, {'t', "\t"},   {'r', "\r"},
+                                                      {'s', " "},  {'e', ""},     {'\\', "\\"},
+                                                      {'\n', ""},  {'V', VERSION}};
     string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char next = text[i] == '\\' && i + 1 < text.size() ? text[i + 1] : '\0';

@@ -11,7 +11,7 @@ export C1 C2 C3 C4 T L P F
 # Before a command: it runs without the powers of root; as a user who has no file here (behind
 # "open_to_all").
 POWERLESS='' NOBODY=''
-if [ "$(id -u)" -eq 0 ]; then
+if [ -n "$IS_ROOT" ]; then
     POWERLESS='setpriv --bounding-set=-all --inh-caps=-all'
     NOBODY='setpriv --reuid 65534 --clear-groups'
 fi

@@ -45,7 +45,11 @@ struct run_result {
 /// A copy of the sample server: the tool as ./cnatool with table and images beside it, the
 /// stand-in for the management tool below ./opt.
 struct server : scratch {
-    server();
+    /// With the first controllers alone, and the ports that belong to none: each controller costs a
+    /// run six calls.
+    explicit server(int controllers = 1);
+    /// As many as the key "controllers" of a case says, one without it.
+    explicit server(const std::string& controllers);
     /// Runs shell commands in the server's directory, "./cnatool ..." for one, with what
     /// support/server.sh offers.
     [[nodiscard]] run_result run(const std::string& command) const;
