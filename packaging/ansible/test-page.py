@@ -13,6 +13,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import urllib.error
 import urllib.request
 
 import yaml
@@ -29,7 +30,8 @@ PLAY = """
       loop: [summary.html, summary.csv]
       vars: {cnatool_fleet: "{{ lookup('file', 'fleet.json') | from_json }}"}
 """
-LOOK = """
+PAINTED = "const painted = () => performance.getEntriesByName('first-contentful-paint');"
+LOOK = PAINTED + """
 const rows = [...document.querySelectorAll('#servers > tbody > tr')];
 const shown = rows.filter(row => row.checkVisibility());
 const style = (name, part) => getComputedStyle(document.querySelector(name))[part];
@@ -39,7 +41,7 @@ return {
     cells: rows.every(row => row.cells.length === 4), states: rows.map(row => row.className),
     names: rows.map(row => row.cells[1].textContent), texts: shown.map(row => row.textContent),
     said: document.querySelector('output').value, wide: document.documentElement.scrollWidth,
-    time: performance.getEntriesByName('first-contentful-paint')[0].startTime,
+    time: painted()[0].startTime,
     sheet: style('#servers', 'backgroundColor'),
     inks: ['.CRITICAL b', '.UNKNOWN b', '.WARNING b', '.OK b', 'output', '.dim', 'body'].map(
         name => style(name, 'color'))};
@@ -130,8 +132,11 @@ def check_files(scratch):
 def ask(base, method, path, body=None):
     data = None if body is None else json.dumps(body).encode()
     request = urllib.request.Request(base + path, method=method, data=data)
-    with urllib.request.urlopen(request, timeout=60) as answer:
-        return json.load(answer)['value']
+    try:
+        with urllib.request.urlopen(request, timeout=60) as answer:
+            return json.load(answer)['value']
+    except urllib.error.HTTPError as error:
+        raise RuntimeError(error.read().decode()) from error
 
 
 def start_browser(scratch):
@@ -149,11 +154,24 @@ def start_browser(scratch):
             break
         except OSError:
             time.sleep(0.1)
-    arguments = ['--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
-                 '--disable-background-networking', '--disable-component-update', '--disable-sync',
+    arguments = ['--headless', '--no-sandbox', '--disable-gpu', '--disable-dev-shm-usage',
+                 '--disable-quic', '--no-first-run', '--disable-background-networking', '--disable-component-update', '--disable-sync',
                  '--user-data-dir=%s/profile' % scratch]
     wanted = {'capabilities': {'alwaysMatch': {'goog:chromeOptions': {'args': arguments}}}}
     return driver, base + '/session/' + ask(base, 'POST', '/session', wanted)['sessionId']
+
+
+def execute(browser, script):
+    return ask(browser, 'POST', '/execute/sync', {'script': script, 'args': []})
+
+
+def wait_until_painted(browser):
+    """A page that is loaded need not be painted yet: ten seconds at most."""
+    for _ in range(100):
+        if execute(browser, PAINTED + 'return painted().length;'):
+            return
+        time.sleep(0.1)
+    raise RuntimeError('the page was not painted')
 
 
 def look(browser, script='', page=None, width=1200, scheme='light'):
@@ -165,7 +183,8 @@ def look(browser, script='', page=None, width=1200, scheme='light'):
         ask(browser, 'POST', '/goog/cdp/execute', {'cmd': 'Emulation.' + command, 'params': parameters})
     if page:
         ask(browser, 'POST', '/url', {'url': 'file://%s' % page})
-    return ask(browser, 'POST', '/execute/sync', {'script': script + LOOK, 'args': []})
+        wait_until_painted(browser)
+    return execute(browser, script + LOOK)
 
 
 def contrast(one, other):
