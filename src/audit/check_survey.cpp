@@ -29,7 +29,7 @@ void note_step(const hba_info& port, const fc_config_file_entry& row, check_stat
 }
 
 void judge_luns(const hba_info& port, const fc_config_file_entry& row, survey& result) {
-    for (const target_mapping_entry& lun : result.outputs.luns[&port]) {
+    for (const target_mapping_entry& lun : result.outputs.other_luns[&port]) {
         if (find_allowing_triple(lun, row) == nullptr) {
             add_finding(result.findings, lun_unjudged, at_port(port),
                         fill_in("LUN %s is of %s %s, which line %s does not allow; a check judges "

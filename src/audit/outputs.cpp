@@ -16,8 +16,6 @@
 
 namespace {
 
-using std::string_view;
-
 constexpr std::int64_t second = 1'000'000'000;  // in nanoseconds
 constexpr char truncated[] = "it is truncated: the last line has no newline.";
 
@@ -44,17 +42,6 @@ std::string fault_of(const port_output& kind, const hba_info& port, const mappin
     return form.is_truncated ? truncated : kind.lacks_values(port) ? kind.values : "";
 }
 
-void keep_other_luns(const hba_info& port, mapping_facts& mapping, output_facts& facts) {
-    std::erase_if(mapping.luns, [&](const target_mapping_entry& lun) {
-        return lun.VendorID[0] == '\0' || lun.ProductID[0] == '\0' ||
-               (string_view(lun.VendorID) == port.target_mapping->VendorID &&
-                string_view(lun.ProductID) == port.target_mapping->ProductID);
-    });
-    if (!mapping.luns.empty()) {
-        facts.luns.emplace(&port, std::move(mapping.luns));
-    }
-}
-
 exit_status read_output(const port_output& kind, hba_info& port, const input_file& file,
                         output_record& record, output_facts& facts) {
     if (file.stream == nullptr) {
@@ -72,7 +59,9 @@ exit_status read_output(const port_output& kind, hba_info& port, const input_fil
     record.may_be_old = !is_of_type(port, "FC");  // A run looks at no plain FC port.
     if (status == RET_OK && record.may_be_old) {
         record.fault = fault_of(kind, port, mapping, form);
-        keep_other_luns(port, mapping, facts);
+        if (!mapping.other_luns.empty()) {
+            facts.other_luns.emplace(&port, std::move(mapping.other_luns));
+        }
     }
     return status;
 }

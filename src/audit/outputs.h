@@ -26,8 +26,8 @@ struct output_facts {
     std::vector<std::string> incomplete;  ///< serial numbers where the list lacks a value
     std::vector<output_record> records;
     std::unordered_set<std::string> paths;  ///< of these
-    /// LUNs whose vendor or product is not that of the port's storage, the last LUN's.
-    std::unordered_map<const hba_info*, std::vector<target_mapping_entry>> luns;
+    /// LUNs of other storage than the last one of the port.
+    std::unordered_map<const hba_info*, std::vector<target_mapping_entry>> other_luns;
 };
 
 /// Reads the outputs that a run has left into p_hba_info_list, as --simulate does. An output about

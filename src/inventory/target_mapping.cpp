@@ -1,6 +1,7 @@
 #include "inventory/target_mapping.h"
 
 #include <cstring>
+#include <string_view>
 
 #include "base/list.h"
 #include "base/output.h"
@@ -43,7 +44,7 @@ void note_key(const key_row<entry>& row, mapping_facts& facts) {
     if (row.field == nullptr) {
         facts.has_head = true;
     } else if (row.key == lun_key) {
-        facts.luns.emplace_back();
+        facts.other_luns.emplace_back();
     }
 }
 
@@ -77,11 +78,20 @@ exit_status read_line(char* line, int number, hba_info& port, mapping_facts* fac
         return RET_OK;
     }
     const bool is_stored = store_value(*row, *port.target_mapping, line) != nullptr;
-    if (is_stored && facts != nullptr && !facts->luns.empty()) {
-        set_text(row->field(facts->luns.back()), row->field(*port.target_mapping).data());
+    if (is_stored && facts != nullptr && !facts->other_luns.empty()) {
+        set_text(row->field(facts->other_luns.back()), row->field(*port.target_mapping).data());
     }
     Print(6, "\t\t\t%s\n", row->field(*port.target_mapping).data());
     return RET_OK;
+}
+
+// Of all LUNs that were read.
+void keep_other_luns(const entry* last, mapping_facts& facts) {
+    std::erase_if(facts.other_luns, [&](const entry& lun) {
+        return last == nullptr || lun.VendorID[0] == '\0' || lun.ProductID[0] == '\0' ||
+               (std::string_view(lun.VendorID) == last->VendorID &&
+                std::string_view(lun.ProductID) == last->ProductID);
+    });
 }
 
 exit_status collect_mapping_of(hba_info& port) {
@@ -108,6 +118,9 @@ exit_status read_target_mapping(const input_file& file, hba_info& port, mapping_
         if (const exit_status status = read_line(line, number, port, facts)) {
             return status;
         }
+    }
+    if (facts != nullptr) {
+        keep_other_luns(port.target_mapping, *facts);
     }
     return status_at_end(file);
 }

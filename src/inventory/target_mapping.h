@@ -19,7 +19,8 @@ tool_command compose_mapping_query(const hba_info& port, const char* tool);
 /// What a mapping says beside the one entry that all its LUNs write into.
 struct mapping_facts {
     bool has_head = false;
-    std::vector<target_mapping_entry> luns;  ///< each from its first line on
+    /// LUNs whose vendor or product is not that of the last one, which the entry holds.
+    std::vector<target_mapping_entry> other_luns;
 };
 
 /// The keys of the mapping and the fields that they fill.
