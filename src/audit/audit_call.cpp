@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "audit/diagnostics.h"
 #include "base/output.h"
 #include "base/text.h"
 #include "call/command_line.h"
@@ -54,11 +53,6 @@ constexpr word_row words[] = {
     {"--version", word_kind::version},
 };
 
-const word_row* find_word(string_view element) {
-    const word_row* row = std::ranges::find(words, element, &word_row::word);
-    return row == std::end(words) ? nullptr : row;
-}
-
 audit_status show(word_kind kind) {
     const bool written = kind == word_kind::help ? write_out(fill_in(help_text, program_name))
                                                  : write_out(tool_version() + "\n");
@@ -66,11 +60,10 @@ audit_status show(word_kind kind) {
 }
 
 std::optional<audit_status> take_accepted(const char* list, audit_call& call) {
-    const auto unknown = read_accepted(list == nullptr ? "" : list, call.accepted);
-    if (unknown) {
-        give_up(fill_in("--accept takes CODE[@PLACE],..., and '%s' is no code", *unknown));
+    if (const auto unknown = read_accepted(list == nullptr ? "" : list, call.accepted)) {
+        return give_up(fill_in("--accept takes CODE[@PLACE],..., and '%s' is no code", *unknown));
     }
-    return unknown ? std::optional(AUDIT_GAVE_UP) : std::nullopt;
+    return std::nullopt;
 }
 
 // Takes the options of the audit alone out of `argv`, behind which stands a null.
@@ -81,8 +74,8 @@ std::optional<audit_status> take_own_words(int argc, char** argv, std::vector<ch
         if (argv[i][0] == '/') {
             argv[i][0] = '-';
         }
-        const word_row* row = find_word(argv[i]);
-        if (row == nullptr) {
+        const word_row* row = std::ranges::find(words, string_view(argv[i]), &word_row::word);
+        if (row == std::end(words)) {
             print_error("\n\nInvalid argument '%s' !\n\n", argv[i]);
             return AUDIT_GAVE_UP;
         }

@@ -3,15 +3,9 @@
 #include <optional>
 #include <vector>
 
+#include "audit/diagnostics.h"
 #include "audit/findings.h"
 #include "call/typed_groups.h"
-
-/// How a call of the audit ends.
-enum audit_status : int {
-    AUDIT_NO_FINDING = 0,  ///< none that counts; help or version given, too
-    AUDIT_FINDINGS = 1,
-    AUDIT_GAVE_UP = 2,  ///< it could not do its work; the reason went to standard error
-};
 
 /// What the options of the audit alone ask for. Selection, directory and --flash are those of the
 /// tool.

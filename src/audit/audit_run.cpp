@@ -47,7 +47,7 @@ survey judge(output_facts outputs, const audit_call& call) {
     judge_outputs(result.outputs, scope, result.findings);
     judge_table(scope, result.findings);
     for (const std::string& group : dropped_groups(call.lists, p_option_input)) {
-        add_finding(result.findings, finding_code::group_dropped, at_word(group),
+        add_finding(result.findings, finding_code::group_dropped, {.word = group},
                     "the call names it, and no run with this call selects it.");
     }
     accept_findings(call.accepted, result.findings);
@@ -77,18 +77,16 @@ std::optional<survey> audit_server(const audit_call& call) {
 }
 
 audit_status audit_run(int argc, char** argv) {
-    if (!hold_memory_back()) {
-        give_up("out of memory");
-        return AUDIT_GAVE_UP;
-    }
     try {
+        if (!hold_memory_back()) {
+            throw std::bad_alloc();
+        }
         audit_call call;
         if (const auto ended = read_audit_call(argc, argv, call)) {
             return *ended;
         }
         if (!resolve_paths(argc > 0 ? argv[0] : "")) {
-            give_up("the path by which it was called is too long");
-            return AUDIT_GAVE_UP;
+            return give_up("the path by which it was called is too long");
         }
         // Not while a run replaces the outputs.
         lock_directory_for_run(pHBAWorkingPath, lock_kind::shared);
@@ -98,7 +96,6 @@ audit_status audit_run(int argc, char** argv) {
                    ? status_of(*result)
                    : AUDIT_GAVE_UP;
     } catch (const std::bad_alloc&) {
-        give_up("out of memory");
-        return AUDIT_GAVE_UP;
+        return give_up("out of memory");
     }
 }

@@ -56,7 +56,7 @@ void note_judged(const hba_info& port, const fc_config_file_entry& row,
 void note_no_row(const controller& selected, survey& result) {
     const auto member = std::ranges::find_if(selected.ports, &surveyed_port::selected);
     const hba_attributes_entry& ids = *member->port->attributes;
-    add_finding(result.findings, no_row, at_controller(*member->port),
+    add_finding(result.findings, no_row, finding_place{.serial = member->port->SerialNo},
                 fill_in("no row has the identifiers %s:%s:%s:%s by which it is selected: it is "
                         "neither checked nor flashed.",
                         ids.VendorSpecID, ids.DeviceID, ids.SubVendorID, ids.SubDeviceID));
@@ -82,30 +82,20 @@ void judge_identifiers(const controller& selected, survey& result) {
     }
 }
 
-// A row is named once for a controller.
-void note_names(const controller& selected, const hba_info& port, const fc_config_file_entry& row,
+// The rows whose names are not the port's. A row is named once for a controller.
+void note_names(const controller& selected, const hba_info& port, const row_list& rows,
                 check_state& state) {
-    if (!state.named.emplace(&selected, &row).second) {
-        return;
-    }
-    const bool is_vendor = !std::string_view(port.Mfg).starts_with(row.vendor);
-    add_finding(state.result.findings, names_differ, at_row(row),
-                fill_in("%s '%s' is not a prefix of '%s': it checks nothing there%s.",
-                        is_vendor ? "vendor" : "model", is_vendor ? row.vendor : row.model,
-                        is_vendor ? port.Mfg : port.Model,
-                        selected.flashed_by.contains(&row) ? ", and still flashes" : ""))
-        .place.serial = port.SerialNo;
-}
-
-// A row with all identifiers of a selected port, but other names.
-void judge_names(const controller& selected, const surveyed_port& member, check_state& state) {
-    if (!member.selected) {
-        return;
-    }
-    for (const fc_config_file_entry* row : member.rows->by_four) {
-        if (!fits_names(*member.port, *row)) {
-            note_names(selected, *member.port, *row, state);
+    for (const fc_config_file_entry* row : rows) {
+        if (fits_names(port, *row) || !state.named.emplace(&selected, row).second) {
+            continue;
         }
+        const bool is_vendor = !std::string_view(port.Mfg).starts_with(row->vendor);
+        add_finding(state.result.findings, names_differ, at_row(*row),
+                    fill_in("%s '%s' is not a prefix of '%s': it checks nothing there%s.",
+                            is_vendor ? "vendor" : "model", is_vendor ? row->vendor : row->model,
+                            is_vendor ? port.Mfg : port.Model,
+                            selected.flashed_by.contains(row) ? ", and still flashes" : ""))
+            .place.serial = port.SerialNo;
     }
 }
 
@@ -123,9 +113,7 @@ void judge_left_out(const controller& selected, const surveyed_port& left_out, c
     } else if (std::ranges::any_of(rows, [&](auto* row) { return fits_names(port, *row); })) {
         note("no check visits it: the storage behind a port before it is not allowed.");
     } else {
-        for (const fc_config_file_entry* row : rows) {
-            note_names(selected, port, *row, state);
-        }
+        note_names(selected, port, rows, state);
     }
 }
 
@@ -135,7 +123,9 @@ void judge_controller(const controller& selected, check_state& state) {
     }
     judge_identifiers(selected, state.result);
     for (const surveyed_port& member : selected.ports) {
-        judge_names(selected, member, state);
+        if (member.selected) {
+            note_names(selected, *member.port, member.rows->by_four, state);
+        }
         if (selected.has_step && member.checked_by == nullptr && is_fcoe(*member.port)) {
             judge_left_out(selected, member, state);
         }

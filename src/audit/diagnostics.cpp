@@ -56,4 +56,7 @@ void cannot_go_on(exit_status status) {
                     in, std::to_string(status)));
 }
 
-void give_up(const std::string& reason) { print_error("%s: %s\n", program_name, reason.c_str()); }
+audit_status give_up(const std::string& reason) {
+    print_error("%s: %s\n", program_name, reason.c_str());
+    return AUDIT_GAVE_UP;
+}

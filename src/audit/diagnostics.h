@@ -4,6 +4,13 @@
 
 #include "base/exit_status.h"
 
+/// How a call of the audit ends.
+enum audit_status : int {
+    AUDIT_NO_FINDING = 0,  ///< none that counts; help or version given, too
+    AUDIT_FINDINGS = 1,
+    AUDIT_GAVE_UP = 2,  ///< it could not do its work; the reason went to standard error
+};
+
 /// Lets the library write its messages about errors, and no others, to standard error.
 void report_errors();
 
@@ -21,5 +28,5 @@ void now_reading(const std::string& what);
 /// has said why, if it says it at all.
 void cannot_go_on(exit_status status);
 
-/// Says on standard error that the audit cannot go on, and why.
-void give_up(const std::string& reason);
+/// Says on standard error that the audit cannot go on, and why. Gives the status for that.
+audit_status give_up(const std::string& reason);

@@ -1,10 +1,10 @@
 #include "audit/findings.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <utility>
 
-#include "base/text.h"
 #include "call/paths.h"
 
 namespace {
@@ -48,15 +48,11 @@ constexpr code_row code_rows[] = {
     {accept_unused, note, "accept-unused", "Take the entry out of --accept."},
 };
 
-constexpr bool stands_in_order() {
-    for (std::size_t i = 0; i < std::size(code_rows); ++i) {
-        if (code_rows[i].code != static_cast<finding_code>(i)) {
-            return false;
-        }
-    }
-    return std::size(code_rows) == static_cast<std::size_t>(finding_code::count);
-}
-static_assert(stands_in_order(), "each code has its row, in the order of finding_code");
+constexpr auto* out_of_order =
+    std::ranges::adjacent_find(code_rows, std::ranges::greater_equal{}, &code_row::code);
+static_assert(out_of_order == std::end(code_rows) &&
+                  std::size(code_rows) == static_cast<std::size_t>(finding_code::count),
+              "each code has its row, in the order of finding_code");
 
 const code_row& row_of(finding_code code) { return code_rows[static_cast<std::size_t>(code)]; }
 
@@ -66,10 +62,6 @@ bool accepts(const accepted_finding& accepted, const finding& found) {
 }
 
 }  // namespace
-
-finding_place at_word(std::string word) { return {.word = std::move(word)}; }
-
-finding_place at_controller(const hba_info& port) { return {.serial = port.SerialNo}; }
 
 finding_place at_port(const hba_info& port) {
     return {.serial = port.SerialNo, .port = port_name(port)};
@@ -92,10 +84,6 @@ std::string name_of(const finding_place& place) {
         return place.line > 0 ? name + ":" + std::to_string(place.line) : name;
     }
     return place.port.empty() ? place.serial : place.serial + " " + place.port;
-}
-
-std::string port_name(const hba_info& port) {
-    return fill_in("%s/%s", port.PCIFunction, port.PortNumber);
 }
 
 const char* name_of(finding_code code) { return row_of(code).name; }
@@ -142,7 +130,7 @@ void accept_findings(const std::vector<accepted_finding>& accepted, finding_list
             }
         }
         if (!is_used) {
-            add_finding(findings, accept_unused, at_word(each.entry), "there is no such finding.");
+            add_finding(findings, accept_unused, {.word = each.entry}, "there is no such finding.");
         }
     }
 }

@@ -74,17 +74,12 @@ struct finding {
 
 using finding_list = std::vector<finding>;
 
-finding_place at_word(std::string word);
-finding_place at_controller(const hba_info& port);
 finding_place at_port(const hba_info& port);
 finding_place in_file(std::string path, int line = 0, int piece = 0);
 finding_place at_row(const fc_config_file_entry& row);
 
 /// The place in short, as reports and --accept have it.
 std::string name_of(const finding_place& place);
-
-/// "function/number", by which a controller's ports are told apart.
-std::string port_name(const hba_info& port);
 
 /// The names by which they are known.
 const char* name_of(finding_code code);

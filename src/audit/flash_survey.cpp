@@ -148,12 +148,12 @@ void judge_times(const controller& each, finding_list& findings) {
     const hba_info& port = *each.ports.front().port;
     // A serial number that begins with another one finds its flash port there.
     if (!each.flashed_by.empty() && string_view(port.SerialNo) != port.flash_port->SerialNo) {
-        add_finding(findings, many_flashes, at_controller(port),
+        add_finding(findings, many_flashes, finding_place{.serial = port.SerialNo},
                     fill_in("its flash port is one of %s: that controller gets its images.",
                             port.flash_port->SerialNo));
     }
     if (each.flashes > 1) {
-        add_finding(findings, many_flashes, at_controller(port),
+        add_finding(findings, many_flashes, finding_place{.serial = port.SerialNo},
                     fill_in("a flash reaches it %s times: its flash port is not first, or fits no "
                             "row itself.",
                             std::to_string(each.flashes)));

@@ -13,9 +13,8 @@
 /// What is to be said of an output file.
 struct output_record {
     finding_place place = {};
-    std::string fault = {};  ///< empty for a sound one
-    bool concerns_all =
-        false;  ///< whatever the selection: a run ends here, or what it says is lost
+    std::string fault = {};     ///< empty for a sound one
+    bool concerns_all = false;  ///< with any selection: a run ends here, or its answer is lost
     std::int64_t written = -1;  ///< in nanoseconds; below 0: it could not be read
     bool may_be_old = false;    ///< where it was written before the list
 };

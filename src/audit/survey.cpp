@@ -184,7 +184,7 @@ void survey_selection(const option_input* selection, survey& result) {
         result.selection.push_back(group_name(*selection));
         if (!mark_selected(*selection, result)) {
             add_finding(result.findings, finding_code::not_installed,
-                        at_word(result.selection.back()),
+                        {.word = result.selection.back()},
                         "no port that a run looks at has these identifiers.");
         }
     }

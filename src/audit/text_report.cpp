@@ -20,13 +20,12 @@ string rows_of(const controller& each) {
                                row.by_four ? "" : " (by two identifiers)",
                                row.fits_names ? "" : " (its names differ)"));
     }
-    const bool all =
-        rows.empty() || each.rows.front().by_four || each.rows_by_two_ids == rows.size();
-    return rows.empty() ? "none in the table"
-                        : joined(rows, ", ") +
-                              (all ? ""
-                                   : fill_in(" and %s more",
-                                             std::to_string(each.rows_by_two_ids - rows.size())));
+    if (rows.empty()) {
+        return "none in the table";
+    }
+    const std::size_t more =
+        each.rows.front().by_four ? 0 : each.rows_by_two_ids - each.rows.size();
+    return joined(rows, ", ") + (more == 0 ? "" : fill_in(" and %s more", std::to_string(more)));
 }
 
 string judgement_of(const surveyed_port& each) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/list.h"
+#include "base/text.h"
 
 hba_info** p_hba_info_list = nullptr;
 
@@ -41,6 +42,10 @@ bool has_serial_number(const hba_info& port) {
 
 const char* address_of(const hba_info& port) {
     return port.PortWWN[0] != '\0' ? port.PortWWN : port.PermanentMAC;
+}
+
+std::string port_name(const hba_info& port) {
+    return fill_in("%s/%s", port.PCIFunction, port.PortNumber);
 }
 
 std::string pci_id_of(const hba_info& port) {

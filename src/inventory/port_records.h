@@ -122,6 +122,9 @@ bool has_serial_number(const hba_info& port);
 /// The port's WWN, or the MAC address of one that has none.
 const char* address_of(const hba_info& port);
 
+/// "function/number", by which a controller's ports are told apart.
+std::string port_name(const hba_info& port);
+
 /// The port's identifiers as -pci-id takes them, two where it has no subsystem identifiers; empty
 /// where they are not known.
 std::string pci_id_of(const hba_info& port);
