@@ -26,17 +26,6 @@ bool read_table() {
     return status == RET_OK;
 }
 
-bool collect_outputs(output_facts& facts) {
-    const exit_status status = read_outputs(facts);
-    if (status == RET_MEMALLOC_FAIL) {
-        throw std::bad_alloc();
-    }
-    if (status != RET_OK) {
-        give_up(fill_in("there is no readable %s: run cnatool first", port_list_path()));
-    }
-    return status == RET_OK;
-}
-
 survey judge(output_facts outputs, const audit_call& call) {
     survey result = survey_inventory();
     result.outputs = std::move(outputs);
@@ -63,7 +52,11 @@ std::optional<survey> audit_server(const audit_call& call) {
     // Nothing here runs a command; should something ever ask for one, it is not run.
     active_option_simulate = 1;
     output_facts outputs;
-    if (!read_table() || !collect_outputs(outputs)) {
+    if (!read_table()) {
+        return std::nullopt;
+    }
+    if (!read_outputs(outputs)) {
+        give_up(fill_in("there is no readable %s: run cnatool first", port_list_path()));
         return std::nullopt;
     }
     Classify_Ctrl_List();

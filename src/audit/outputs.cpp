@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <limits>
+#include <new>
 
 #include "audit/diagnostics.h"
 #include "base/lines.h"
@@ -42,44 +43,48 @@ std::string fault_of(const port_output& kind, const hba_info& port, const mappin
     return form.is_truncated ? truncated : kind.lacks_values(port) ? kind.values : "";
 }
 
-exit_status read_output(const port_output& kind, hba_info& port, const input_file& file,
-                        output_record& record, output_facts& facts) {
+bool is_read(exit_status status) {
+    if (status == RET_MEMALLOC_FAIL) {
+        throw std::bad_alloc();
+    }
+    return status == RET_OK;
+}
+
+void read_output(const port_output& kind, hba_info& port, const input_file& file,
+                 output_record& record, output_facts& facts) {
     if (file.stream == nullptr) {
         record.fault = "it is missing: a run with --simulate ends with status 51 here.";
-        return RET_OK;
+        return;
     }
     mapping_facts mapping;
-    const exit_status status = kind.read(file, port, mapping);
-    if (status == STATUS_OUTPUT_FILE_MISSING) {
+    if (!is_read(kind.read(file, port, mapping))) {
         record.fault = "it cannot be read to its end: a run with --simulate ends with status 51.";
-        return RET_OK;
+        return;
     }
     const file_form form = form_of(file);
     record.written = form.written;
     record.may_be_old = !is_of_type(port, "FC");  // A run looks at no plain FC port.
-    if (status == RET_OK && record.may_be_old) {
+    if (record.may_be_old) {
         record.fault = fault_of(kind, port, mapping, form);
         if (!mapping.other_luns.empty()) {
             facts.other_luns.emplace(&port, std::move(mapping.other_luns));
         }
     }
-    return status;
 }
 
-exit_status add_output(const port_output& kind, hba_info& port, output_facts& facts) {
+void add_output(const port_output& kind, hba_info& port, output_facts& facts) {
     output_record record{.place = at_port(port)};
     std::string& path = record.place.file;
     path = output_path(port, kind.file_name);
     now_reading(path);
     const bool is_shared = !facts.paths.insert(path).second;
-    const exit_status status = read_output(kind, port, open_output(path), record, facts);
+    read_output(kind, port, open_output(path), record, facts);
     if (is_shared && record.may_be_old) {
         record.concerns_all = true;
         record.fault = "ports share it: it holds the answer about the last one alone.";
     }
     judge_command(kind.compose(port, longest_tool_place()), "51", record);
     facts.records.push_back(std::move(record));
-    return status;
 }
 
 // The ports of the list have been read.
@@ -114,13 +119,12 @@ std::int64_t start_of_run(const output_facts& facts) {
 
 }  // namespace
 
-exit_status read_outputs(output_facts& facts) {
+bool read_outputs(output_facts& facts) {
     facts.list.place = in_file(port_list_path());
     now_reading(facts.list.place.file);
     const input_file file = open_output(facts.list.place.file);
-    exit_status status = file.stream == nullptr ? STATUS_OUTPUT_FILE_MISSING : read_port_list(file);
-    if (status != RET_OK) {
-        return status;
+    if (file.stream == nullptr || !is_read(read_port_list(file))) {
+        return false;
     }
     be_silent();
     judge_list(file, facts);
@@ -128,12 +132,12 @@ exit_status read_outputs(output_facts& facts) {
         // The outputs about a port without a serial number are not read by a run either.
         for (const port_output* kind : {&attributes_output, &mapping_output}) {
             const bool is_asked = kind == &attributes_output || is_fc_or_fcoe(*port);
-            if (status == RET_OK && has_serial_number(*port) && is_asked) {
-                status = add_output(*kind, *port, facts);
+            if (has_serial_number(*port) && is_asked) {
+                add_output(*kind, *port, facts);
             }
         }
     }
-    return status;
+    return true;
 }
 
 void judge_outputs(const output_facts& facts, const audit_scope& scope, finding_list& findings) {

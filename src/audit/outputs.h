@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "audit/findings.h"
-#include "base/exit_status.h"
 #include "inventory/port_records.h"
 
 /// What is to be said of an output file.
@@ -30,9 +29,8 @@ struct output_facts {
 };
 
 /// Reads the outputs that a run has left into p_hba_info_list, as --simulate does. An output about
-/// one port that cannot be read leaves that port without it. Gives 0, 51 without a readable port
-/// list, 54.
-exit_status read_outputs(output_facts& facts);
+/// one port that cannot be read leaves that port without it. False without a readable port list.
+bool read_outputs(output_facts& facts);
 
 /// Notes what is missing in the outputs or older than the port list.
 void judge_outputs(const output_facts& facts, const audit_scope& scope, finding_list& findings);

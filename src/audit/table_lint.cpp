@@ -95,6 +95,18 @@ void note_bytes(const row_entry& row, string_view text, table_state& state) {
     }
 }
 
+// What may also hide of which model the row is.
+void judge_columns(const row_entry& row, string_view text, finding_list& findings) {
+    if (text.find("||") != string_view::npos) {
+        add_finding(findings, row_bars, at_row(row),
+                    "two bars stand together and count as one: all columns behind them move.");
+    }
+    if (has_zero_id(row)) {
+        add_finding(findings, row_zero_id, at_row(row),
+                    "one of its identifiers is 0, which is no controller's.");
+    }
+}
+
 void judge_row(const row_entry& row, string_view text, table_state& state) {
     if (is_empty(row)) {
         if (state.scope.all) {
@@ -103,14 +115,8 @@ void judge_row(const row_entry& row, string_view text, table_state& state) {
         return;
     }
     const bool is_meant = is_of_model(row, state.scope);
-    const bool may_be_meant = is_meant || may_be_of_model(row, text, state.scope);
-    if (may_be_meant && text.find("||") != string_view::npos) {
-        add_finding(state.findings, row_bars, at_row(row),
-                    "two bars stand together and count as one: all columns behind them move.");
-    }
-    if (may_be_meant && has_zero_id(row)) {
-        add_finding(state.findings, row_zero_id, at_row(row),
-                    "one of its identifiers is 0, which is no controller's.");
+    if (is_meant || may_be_of_model(row, text, state.scope)) {
+        judge_columns(row, text, state.findings);
     }
     if (!is_meant) {
         return;
