@@ -34,8 +34,7 @@ bool may_be_of_model(const row_entry& row, string_view text, const audit_scope& 
 // Unless its third and fourth column name another model.
 bool may_hide_model(string_view text, const audit_scope& scope) {
     const std::vector<std::int32_t> ids = ids_in(text);
-    return scope.all || ids.size() < 4 || ids[2] < 0 || ids[3] < 0 ||
-           scope.model_ids.contains({ids[2], ids[3]});
+    return ids.size() < 4 || ids[2] < 0 || ids[3] < 0 || scope.model_ids.contains({ids[2], ids[3]});
 }
 
 struct byte_kind {
@@ -57,7 +56,8 @@ struct table_line {
     std::string text;
     finding_place place;
     int pieces = 0;
-    int comments = 0;  // among the pieces
+    int comments = 0;       // among the pieces
+    bool is_meant = false;  // by the scope: all are, or a piece is a row of the model
 };
 
 /// What is known of the table so far.
@@ -132,7 +132,7 @@ void judge_row(const row_entry& row, string_view text, table_state& state) {
 // A line that has been read to its end.
 void judge_line(table_state& state) {
     const table_line line = std::exchange(state.line, {});
-    if (!may_hide_model(line.text, state.scope)) {
+    if (!line.is_meant && !may_hide_model(line.text, state.scope)) {
         return;
     }
     if (line.pieces > 1 && line.comments < line.pieces) {
@@ -147,12 +147,13 @@ void judge_line(table_state& state) {
     }
 }
 
-void add_piece(const table_piece& piece, table_line& line) {
+void add_piece(const table_piece& piece, bool is_meant, table_line& line) {
     if (line.pieces++ == 0) {
         line.place = in_file(pHBAConditionsPath, piece.line, piece.piece);
     }
     line.text += piece.text;
     line.comments += is_comment(piece.text) ? 1 : 0;
+    line.is_meant = line.is_meant || is_meant;
 }
 
 }  // namespace
@@ -167,14 +168,15 @@ void judge_table(const audit_scope& scope, finding_list& findings) {
     auto row = rows.begin();
     for (table_piece piece; next_piece(file, piece);) {
         const bool is_row = row != rows.end() && (*row)->piece == piece.piece;
-        if (piece.has_mark && (scope.all || (is_row && is_of_model(**row, scope)))) {
+        const bool is_meant = scope.all || (is_row && is_of_model(**row, scope));
+        if (piece.has_mark && is_meant) {
             add_finding(findings, row_bytes, in_file(pHBAConditionsPath),
                         "the file begins with a byte order mark.");
         }
         if (is_row) {
             judge_row(**row++, piece.text, state);
         }
-        add_piece(piece, state.line);
+        add_piece(piece, is_meant, state.line);
         if (piece.ends_line) {
             judge_line(state);
         }
