@@ -66,7 +66,7 @@ std::optional<audit_status> take_accepted(const char* list, audit_call& call) {
     return std::nullopt;
 }
 
-// Takes the options of the audit alone out of `argv`, behind which stands a null.
+// Takes the options that the audit alone has out of `argv`, which ends with a null.
 std::optional<audit_status> take_own_words(int argc, char** argv, std::vector<char*>& rest,
                                            audit_call& call) {
     std::optional<audit_status> ended;

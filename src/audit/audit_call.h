@@ -7,8 +7,8 @@
 #include "audit/findings.h"
 #include "call/typed_groups.h"
 
-/// What the options of the audit alone ask for. Selection, directory and --flash are those of the
-/// tool.
+/// What the options ask for that the audit alone has. It shares selection, directory and --flash
+/// with the tool.
 struct audit_call {
     bool json = false;
     std::vector<accepted_finding> accepted;

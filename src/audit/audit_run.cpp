@@ -49,7 +49,7 @@ survey judge(output_facts outputs, const audit_call& call) {
 }  // namespace
 
 std::optional<survey> audit_server(const audit_call& call) {
-    // Nothing here runs a command; should something ever ask for one, it is not run.
+    // Nothing here asks for a command. If something does one day, it is not run.
     active_option_simulate = 1;
     output_facts outputs;
     if (!read_table()) {
@@ -81,7 +81,7 @@ audit_status audit_run(int argc, char** argv) {
         if (!resolve_paths(argc > 0 ? argv[0] : "")) {
             return give_up("the path by which it was called is too long");
         }
-        // Not while a run replaces the outputs.
+        // A run may be replacing the outputs. This waits for its end.
         lock_directory_for_run(pHBAWorkingPath, lock_kind::shared);
         const std::optional<survey> result = audit_server(call);
         release_directory_lock();

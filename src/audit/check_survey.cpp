@@ -5,7 +5,6 @@
 #include "check/check_walk.h"
 #include "check/controller_check.h"
 #include "check/subsystem_validation.h"
-#include "walk/matching.h"
 
 namespace {
 
@@ -15,7 +14,7 @@ struct check_state {
     survey& result;
     /// The rows that the walk holds against the chain of a flash port, in the table's order.
     std::unordered_map<const hba_info*, row_list> rows;
-    /// Of which controller and row it was said that their names differ.
+    /// Controllers and rows of which a finding says that their names differ.
     std::set<std::pair<const controller*, const fc_config_file_entry*>> named;
 };
 
@@ -82,7 +81,7 @@ void judge_identifiers(const controller& selected, survey& result) {
     }
 }
 
-// The rows whose names are not the port's. A row is named once for a controller.
+// Notes the rows whose names do not fit the port, each once for a controller.
 void note_names(const controller& selected, const hba_info& port, const row_list& rows,
                 check_state& state) {
     for (const fc_config_file_entry* row : rows) {

@@ -15,7 +15,7 @@ namespace {
 
 std::string source;  // what is being read
 
-// Of the row under way, where the table is being read.
+// The line of the row that is being read. Empty if no row is.
 std::string line_of_row() {
     const auto rows = entries(fc_config_entry_list);
     const bool is_table = source == pHBAConditionsPath && !rows.empty();
@@ -37,7 +37,7 @@ void be_silent() { DebugLevel = 0; }
 bool write_out(const std::string& text) {
     const bool is_written =
         std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-    const bool is_enough = is_written || errno == EPIPE;  // Whoever goes away has seen enough.
+    const bool is_enough = is_written || errno == EPIPE;  // A reader that has gone needs no more.
     if (!is_enough) {
         give_up("the answer cannot be written");
     }

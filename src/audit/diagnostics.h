@@ -17,15 +17,15 @@ void report_errors();
 /// Lets the library say nothing again.
 void be_silent();
 
-/// Writes `text` to standard output. False if not all of it got there; that is said then, except of
-/// a reader that has gone away.
+/// Writes `text` to standard output. False, and says so, if it cannot be written. A reader that has
+/// gone away is no failure.
 bool write_out(const std::string& text);
 
 /// Notes what is being read, a file or a part of the call, in case it ends the process.
 void now_reading(const std::string& what);
 
-/// Says on standard error where cnatool ends with this status, and with it the audit. The library
-/// has said why, if it says it at all.
+/// Says on standard error where cnatool ends with this status. The audit ends there too. The
+/// library may have said the reason before.
 void cannot_go_on(exit_status status);
 
 /// Says on standard error that the audit cannot go on, and why. Gives the status for that.

@@ -11,8 +11,8 @@
 #include "conditions/conditions_file.h"
 #include "inventory/port_records.h"
 
-/// How much a finding weighs: a job fails, does the wrong thing, or judges less than was asked for;
-/// the answer is weaker than it looks; it is worth knowing, and never counts.
+/// How serious a finding is. Error: a job fails, does the wrong thing, or judges less than the call
+/// asks for. Warning: the answer says less than it seems to. Note: worth knowing, and never counts.
 enum class severity : std::uint8_t { error, warning, note };
 
 /// What can be found, in the order in which a report lists the findings of one severity.

@@ -15,10 +15,10 @@ using std::string_view;
 
 struct flash_state {
     survey& result;
-    bool ended = false;  // by a job that cannot be done; behind it nothing is sent
-    /// Rows with the directory that they or the port's model name: these decide on the images.
+    bool ended = false;  // by a job that cannot be done: nothing is sent after it
+    /// Rows, and the directory that the row or the port's model names. They decide on the images.
     std::set<std::pair<const fc_config_file_entry*, std::string>> judged;
-    std::set<std::pair<std::string, std::string>> refused;  // of which controller what was said
+    std::set<std::pair<std::string, std::string>> refused;  // controllers, and what was said
 };
 
 struct audited_kind {
@@ -65,7 +65,7 @@ void judge_images(const flash_job& job, finding_list& findings) {
     }
 }
 
-// Once for a controller.
+// Notes each reason once for a controller.
 void note_refused(const flash_job& job, flash_state& state, const std::string& what,
                   const char* advice) {
     if (state.refused.emplace(job.port.SerialNo, what).second) {
@@ -82,7 +82,7 @@ const char* advice_on(string_view unsafe, const flash_job& job) {
                : "Rename the image or its directory: no blanks, no characters of the shell.";
 }
 
-// Whether a command of the job would be refused.
+// Whether the tool refuses a command of the job.
 bool judge_commands(const flash_job& job, flash_state& state) {
     bool refused = false;
     for (const audited_kind& each : kinds) {
@@ -115,7 +115,7 @@ void note_downloads(const flash_job& job, flash_state& state) {
     }
 }
 
-// Judged as if nothing before it had ended the flash.
+// Judges the job as if nothing before it had ended the flash.
 void judge_job(const hba_info& port, const fc_config_file_entry& row, flash_state& state) {
     flash_job job{.port = port, .row = row, .tool = longest_tool_place()};
     const exit_status status = plan_flash_job(job);
@@ -146,7 +146,7 @@ void plan_flash(hba_info& port, const fc_config_file_entry& row, flash_state& st
 
 void judge_times(const controller& each, finding_list& findings) {
     const hba_info& port = *each.ports.front().port;
-    // A serial number that begins with another one finds its flash port there.
+    // If its serial number begins with another one, its flash port may be one of that controller.
     if (!each.flashed_by.empty() && string_view(port.SerialNo) != port.flash_port->SerialNo) {
         add_finding(findings, many_flashes, finding_place{.serial = port.SerialNo},
                     fill_in("its flash port is one of %s: that controller gets its images.",

@@ -20,7 +20,7 @@ namespace {
 constexpr std::int64_t second = 1'000'000'000;  // in nanoseconds
 constexpr char truncated[] = "it is truncated: the last line has no newline.";
 
-// A run would not ask for the output, and end with the status.
+// Notes if a run does not ask for the output. It ends with the status then.
 void judge_command(const tool_command& command, const char* status, output_record& record) {
     if (is_too_long(command) || !command.unsafe_value.empty()) {
         record.concerns_all = true;
@@ -31,7 +31,7 @@ void judge_command(const tool_command& command, const char* status, output_recor
     }
 }
 
-// The first fault of an output that was read; empty for a sound one.
+// The first fault of an output that was read. Empty if it has none.
 std::string fault_of(const port_output& kind, const hba_info& port, const mapping_facts& mapping,
                      const file_form& form) {
     if (form.is_empty) {
@@ -43,6 +43,7 @@ std::string fault_of(const port_output& kind, const hba_info& port, const mappin
     return form.is_truncated ? truncated : kind.lacks_values(port) ? kind.values : "";
 }
 
+// Running out of memory ends the audit.
 bool is_read(exit_status status) {
     if (status == RET_MEMALLOC_FAIL) {
         throw std::bad_alloc();
@@ -106,7 +107,7 @@ void judge_list(const input_file& file, output_facts& facts) {
     }
 }
 
-// The time before which an output is old. Behind a copy all outputs are of one time.
+// An output that was written before this time is old. After a copy all have the same time.
 std::int64_t start_of_run(const output_facts& facts) {
     std::int64_t first = std::numeric_limits<std::int64_t>::max();
     std::int64_t last = 0;
@@ -129,7 +130,7 @@ bool read_outputs(output_facts& facts) {
     be_silent();
     judge_list(file, facts);
     for (hba_info* port : entries(p_hba_info_list)) {
-        // The outputs about a port without a serial number are not read by a run either.
+        // A run does not read the outputs about a port without a serial number either.
         for (const port_output* kind : {&attributes_output, &mapping_output}) {
             const bool is_asked = kind == &attributes_output || is_fc_or_fcoe(*port);
             if (has_serial_number(*port) && is_asked) {

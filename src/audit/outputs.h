@@ -9,21 +9,21 @@
 #include "audit/findings.h"
 #include "inventory/port_records.h"
 
-/// What is to be said of an output file.
+/// What is known of an output file.
 struct output_record {
     finding_place place = {};
-    std::string fault = {};     ///< empty for a sound one
+    std::string fault = {};     ///< empty: it has none
     bool concerns_all = false;  ///< with any selection: a run ends here, or its answer is lost
     std::int64_t written = -1;  ///< in nanoseconds; below 0: it could not be read
-    bool may_be_old = false;    ///< where it was written before the list
+    bool may_be_old = false;    ///< if it was written before the list
 };
 
-/// What outputs hold beside the ports.
+/// What is known from the outputs beside the ports.
 struct output_facts {
     output_record list;
     std::vector<std::string> incomplete;  ///< serial numbers where the list lacks a value
     std::vector<output_record> records;
-    std::unordered_set<std::string> paths;  ///< of these
+    std::unordered_set<std::string> paths;  ///< of the records
     /// LUNs of other storage than the last one of the port.
     std::unordered_map<const hba_info*, std::vector<target_mapping_entry>> other_luns;
 };

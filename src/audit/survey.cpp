@@ -7,7 +7,6 @@
 #include "call/paths.h"
 #include "check/controller_check.h"
 #include "inventory/port_outputs.h"
-#include "walk/matching.h"
 
 namespace {
 
@@ -63,7 +62,7 @@ void add_rows(controller& owner, const hba_info& port, bool by_four, const row_l
     }
 }
 
-// Its first port with some identifiers speaks for all that have the same.
+// Of the ports with the same identifiers only the first is looked at.
 void choose_rows(controller& owner) {
     std::map<std::pair<std::int32_t, std::int32_t>, const surveyed_port*> by_two;
     std::set<const row_lists*> by_four;
@@ -127,7 +126,7 @@ bool has_ids(const hba_info& port) {
     return port.attributes != nullptr && !attributes_output.lacks_values(port);
 }
 
-// Of a selected model, and what its storage ports are selected by is not known.
+// Whether it is of a selected model, and the identifiers of its storage ports are not known.
 bool may_be_selected(const controller& each, const survey& result) {
     const auto is_known = [](const surveyed_port& member) {
         return is_fcoe(*member.port) && has_ids(*member.port);

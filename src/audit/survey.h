@@ -60,7 +60,7 @@ struct survey {
     std::string directory;  ///< of the outputs, with its slash
     std::string table;
     std::vector<std::string> selection;  ///< the selected groups; none: all controllers are shown
-    bool flash;                          ///< it is said what a flash does
+    bool flash;                          ///< the report says what a flash does
     std::vector<controller> controllers;
     std::vector<const controller*> shown;  ///< with a selection, selected or checked along with it
     std::vector<const hba_info*> without_serial;  ///< none with a selection
@@ -90,8 +90,8 @@ void survey_check(const option_input* selection, survey& result);
 /// Decides which controllers a report shows, and gives what it is about.
 audit_scope choose_controllers(survey& result);
 
-/// Notes what is odd in the table that fc_config_entry_list was read from, and the rows that can
-/// do nothing or not all that they say, since an earlier one is before them.
+/// Notes what is odd in the table that fc_config_entry_list was read from. Also notes the rows that
+/// have no effect, or only a part of it, as an earlier row is taken.
 void judge_table(const audit_scope& scope, finding_list& findings);
 
 /// How an audit with this outcome ends.

@@ -31,7 +31,7 @@ bool may_be_of_model(const row_entry& row, string_view text, const audit_scope& 
     });
 }
 
-// Unless its third and fourth column name another model.
+// Whether a line may be of the model: its third and fourth columns name no other one.
 bool may_hide_model(string_view text, const audit_scope& scope) {
     const std::vector<std::int32_t> ids = ids_in(text);
     return ids.size() < 4 || ids[2] < 0 || ids[3] < 0 || scope.model_ids.contains({ids[2], ids[3]});
@@ -95,7 +95,7 @@ void note_bytes(const row_entry& row, string_view text, table_state& state) {
     }
 }
 
-// What may also hide of which model the row is.
+// Notes what can also hide the model of the row.
 void judge_columns(const row_entry& row, string_view text, finding_list& findings) {
     if (text.find("||") != string_view::npos) {
         add_finding(findings, row_bars, at_row(row),
