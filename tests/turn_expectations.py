@@ -2,7 +2,8 @@
 """Turns each expectation of the tables into its opposite, one at a time, and sees that its case fails.
 
 A number is raised by one, a text gets a word in front, and what an output must lack is the empty
-text, which is in all. What a case is given stays as it is. Printed are how many failed of each table, and each that did not.
+text, which is in all. What a case is given stays as it is. Printed are how many failed of each
+table, and each that did not.
 """
 import argparse
 import collections
@@ -17,7 +18,7 @@ from concurrent.futures import ThreadPoolExecutor
 CASES = pathlib.Path(__file__).resolve().parent / 'cases'
 # What a case is given; all other keys are expectations.
 GIVEN = set('''run needs setup then options by words allowed text base switches level stream table names
-pattern group references reader output ports'''.split())
+pattern group references reader output ports controllers'''.split())
 
 
 def turned(key, value):

@@ -155,7 +155,8 @@ def start_browser(scratch):
         except OSError:
             time.sleep(0.1)
     arguments = ['--headless', '--no-sandbox', '--disable-gpu', '--disable-dev-shm-usage',
-                 '--disable-quic', '--no-first-run', '--disable-background-networking', '--disable-component-update', '--disable-sync',
+                 '--disable-quic', '--no-first-run', '--disable-background-networking',
+                 '--disable-component-update', '--disable-sync',
                  '--user-data-dir=%s/profile' % scratch]
     wanted = {'capabilities': {'alwaysMatch': {'goog:chromeOptions': {'args': arguments}}}}
     return driver, base + '/session/' + ask(base, 'POST', '/session', wanted)['sessionId']
