@@ -33,7 +33,7 @@ OTHERS = {'==': ['!='], '!=': ['=='], '<': ['<=', '>'], '<=': ['<'], '>': ['>=',
           '>=': ['>'], '&&': ['||'], '||': ['&&'], 'true': ['false'], 'false': ['true']}
 # What nobody can see: releases behind which nothing comes, and start values (behind a type) that the
 # first use of the name, as an address or in a line of the same depth, overwrites.
-RELEASE = re.compile(r'\b(\w+_destroy|close|closedir)\(|^\s+\w+\.clear\(')
+RELEASE = re.compile(r'\b(\w+_destroy|close|closedir|va_end)\(|^\s+\w+\.clear\(')
 START_VALUE = re.compile(r'(\s+)(?!return)[\w:]+[ *&]+(\w+)(?:\[\w*\])? = [^(]*;$')
 TEXT = re.compile(r'"(?:[^"\\]|\\.)*"|\'(?:[^\'\\]|\\.)*\'|//.*')
 
