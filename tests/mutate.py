@@ -31,8 +31,8 @@ PLACES = {'comparison': r' (==|!=|<=|>=|<|>) ',
           'row': r'^\s+(\w*\{.*\},)$'}
 OTHERS = {'==': ['!='], '!=': ['=='], '<': ['<=', '>'], '<=': ['<'], '>': ['>=', '<'],
           '>=': ['>'], '&&': ['||'], '||': ['&&'], 'true': ['false'], 'false': ['true']}
-# What nobody can see: releases behind which nothing comes, and start values (behind a type) that the
-# first use of the name, as an address or in a line of the same depth, overwrites.
+# What nobody can see: what only a compiler says, releases behind which nothing comes, and start values
+# (behind a type) that the first use of the name, as an address or in a line of the same depth, overwrites.
 RELEASE = re.compile(r'\b(\w+_destroy|close|closedir|va_end)\(|^\s+\w+\.clear\(')
 START_VALUE = re.compile(r'(\s+)(?!return)[\w:]+[ *&]+(\w+)(?:\[\w*\])? = [^(]*;$')
 TEXT = re.compile(r'"(?:[^"\\]|\\.)*"|\'(?:[^\'\\]|\\.)*\'|//.*')
@@ -68,7 +68,8 @@ def exchanged(row, follower):
 
 def is_unseen(code, number, kind):
     """Whether a fault of this kind changes nothing that anyone could notice."""
-    if kind == 'statement' and RELEASE.search(code[number]):
+    if (kind == 'statement' and RELEASE.search(code[number]) or
+            kind == 'text' and 'static_assert' in code[number]):
         return True
     start = START_VALUE.match(code[number])
     if not start:
