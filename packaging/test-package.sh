@@ -104,7 +104,7 @@ packed() {
     ln -s "$(command -v make)" "$(command -v cmake)" "$(command -v sh)" "$scratch/few"
     [ "$2" = TGZ ] || ends_with 1 'Not installed: file, ' env PATH="$scratch/few" "$(command -v cpack)" \
         --config "$1/CPackConfig.cmake" -G "$2" -B "$scratch/none" -D CMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF
-    quietly cmake --build "$1" --parallel
+    quietly cmake --build "$1" --parallel "$(nproc)"
     quietly cpack --config "$1/CPackConfig.cmake" -G "$2" -B "$scratch/packages"
     rm -f "$packages"/$3
     mv "$scratch/packages"/$3 "$packages"
@@ -180,7 +180,7 @@ check_reproducible() {
     cd / || exit 1
     export TZ=Pacific/Auckland LC_ALL=C.UTF-8
     quietly faketime -f +1000d cmake -S "$again" -B "$again/build" -DBUILD_TESTING=OFF
-    quietly faketime -f +1000d cmake --build "$again/build" --parallel
+    quietly faketime -f +1000d cmake --build "$again/build" --parallel "$(nproc)"
     quietly faketime -f +1000d cpack --config "$again/build/CPackConfig.cmake" -B "$scratch/packages"
     quietly cmp "$packages"/cnatool_*.deb "$scratch/packages"/cnatool_*.deb
 }
