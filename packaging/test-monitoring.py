@@ -72,7 +72,6 @@ OK - 2 ports :: --timeout 9 :: set_to 'SELECTION=" -pci-id\t'"'F1A0:4201:F1A0:00
 CRITICAL - NV84 :: :: set_to "SELECTION='$B'"
 WARNING - 1 finding: no-storage NV4200A1001 3/1 :: :: set_to "SELECTION='$G'" "ACCEPT='no-storage@NV4200A1001 2/0'"; sed -i '/^FCP ID/,$d' $A/targetmapping/*:01:0?.txt
 UNKNOWN - not allowed in a check: --conpath x--silent :: --conpath x--silent $G ::
-UNKNOWN - not allowed in a check: --help :: :: set_to "SELECTION='$G --help'"
 UNKNOWN - not allowed in a check: --flash :: :: set_to "SELECTION='$G'" OPTIONS=--flash
 UNKNOWN - cannot read :: :: set_to "SELECTION='$G"
 UNKNOWN - cannot read :: :: set_to "SELECTION=$G"
@@ -89,13 +88,16 @@ fake() { printf '#!/bin/sh\n%s\n' "$2" > "$1"; chmod 755 "$1"; }
 set_to() { for each; do printf "CNATOOL_$each\n"; done > settings; }
 """
 
-# Words of a random call, each a part of the caller's own line or of a value in the settings.
-PARTS = """-? /? -h /h --help /-help --hiddenhelp --info /-info --version /-version --silent /-silent
-x--silent -v|0 -v|+0 -v|00 /v|0 -v|1 -v|6 -d|1 /d|2 --debug|0 --flash /-flash --simulate /-simulate
---show-return-codes /-show-return-code --vox-mode --vox-modes -vn|x -vn|x--silent -mod|x -vid|F1A0
--dev|4201 -subvid|F1A0 -subdev|0011 -pci-id|F1A0:4201 -pci-id|F1A0:8402:F2B0:0022 -pci-id|, -pci-id|1
---conpath|. --conpath|x--silent --conpath|. --check-for-valid-subsystem --ctrl-wide-identical
---ctrl-vendor-wide-identical --accept|no-storage --timeout|9 --details-first --""".split()
+# What the settings must not hold; and the words of a random call, each a part of the caller's own
+# line or of a value in the settings.
+REFUSED = """-? /? -h /h --help /-help --hiddenhelp --info /-info --version /-version --silent
+/-silent x--silent -v|0 -v|+0 -v|00 /v|0 -d|1 /d|2 --debug|0 --flash /-flash --simulate /-simulate
+--show-return-codes /-show-return-code --vox-mode --vox-modes -vn|x -vn|x--silent -mod|x
+--conpath|x--silent --details-first --""".split()
+TAKEN = """-v|1 -v|6 -vid|F1A0 -dev|4201 -subvid|F1A0 -subdev|0011 -pci-id|F1A0:4201
+-pci-id|F1A0:8402:F2B0:0022 -pci-id|, -pci-id|1 --conpath|. --conpath|. --check-for-valid-subsystem
+--ctrl-wide-identical --ctrl-vendor-wide-identical --accept|no-storage --timeout|9""".split()
+PARTS = REFUSED + TAKEN
 BLANKS = (" ", "  ", "\t", "\n", "\u00a0", " \\\n", "\r")
 CHECK = {"listhbas", "hbaattributes", "targetmapping"}
 
@@ -201,10 +203,19 @@ def try_ends(scratch):
         os.chmod(scratch, 0o755)
         if not (line := ask(place, good, ordinary)[1]).startswith("UNKNOWN - not run as root"):
             fail("as an ordinary user it says", line)
-    for word, begins in (("--help", b"check_cnatool - "), ("-V", b"check_cnatool 1.")):
-        ended = subprocess.run(["./check_cnatool", word], cwd=place, stdout=subprocess.PIPE)
+    about, version = b"check_cnatool - ", b"check_cnatool 1."
+    for word, begins in {"--help": about, "-h": about, "--version": version, "-V": version}.items():
+        ended = subprocess.run(["./check_cnatool", *good, word], cwd=place, stdout=subprocess.PIPE)
         if ended.returncode != 3 or not ended.stdout.startswith(begins):
             fail(word, ended)
+    for part in REFUSED:
+        words = [*good, *part.split("|")]
+        text = "\t".join(words)  # a tab parts words as a blank does
+        with open(f"{place}/settings", "w", encoding="utf-8") as file:
+            file.write(f"CNATOOL_SELECTION='{text}'\n")
+        line = ask(place, ["--timeout", "1"])[1]
+        if not line.startswith(f"UNKNOWN - not allowed in a check: {words[len(good)]}"):
+            fail("with the settings", words, "it says", line)
 
 
 def random_call(place, chance):
