@@ -27,7 +27,7 @@ bool lacks_names(const hba_info& port) {
 
 }  // namespace
 
-const port_output attributes_output{
+constexpr port_output attributes_output{
     attributes_file_name,
     compose_attribute_query,
     [](auto& file, auto& port, auto& /*mapping*/) { return read_port_attributes(file, port, ""); },
@@ -36,7 +36,7 @@ const port_output attributes_output{
     "its four identifiers are not all there: it fits no selection, or the wrong row.",
 };
 
-const port_output mapping_output{
+constexpr port_output mapping_output{
     mapping_file_name,
     compose_mapping_query,
     [](auto& file, auto& port, auto& mapping) { return read_target_mapping(file, port, &mapping); },
